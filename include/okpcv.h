@@ -1,0 +1,13 @@
+/**
+ * @file okpcv.h
+ * @brief The whole public interface of okpcv: the only header that an application includes.
+ */
+#ifndef OKPCV_H
+#define OKPCV_H
+
+#include "okpcv/types.h"
+
+#include "okpcv/arith.h"
+#include "okpcv/version.h"
+
+#endif /* OKPCV_H */
