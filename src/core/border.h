@@ -1,0 +1,96 @@
+// Borders: what a BorderKind means, which kinds a family accepts, and the pixels that stand outside a region.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/numbers.h"
+#include "okpcv/types.h"
+
+namespace okpcv {
+
+inline constexpr BorderKind kBorderKindBits = 15;
+
+// The kinds that linear filters accept: replicate, mirror and constant with any side flags, and all sides in
+// memory.
+constexpr bool isFilterBorder(BorderKind border) {
+    if (border > 255) return false;
+    return border == BorderInMemory || (border & kBorderKindBits) == BorderConstant || (border & 13U) == 1;
+}
+
+// Where the pixel at a position outside a line comes from.
+class Border {
+  public:
+    // Stands for a position that holds the border value.
+    static constexpr int64_t kValue = INT64_MIN;
+
+    explicit constexpr Border(BorderKind border) : bits_(border) {}
+
+    constexpr BorderKind kind() const { return bits_ & kBorderKindBits; }
+    constexpr bool topInMemory() const { return (bits_ & BorderInMemTop) != 0; }
+    constexpr bool bottomInMemory() const { return (bits_ & BorderInMemBottom) != 0; }
+    constexpr bool leftInMemory() const { return (bits_ & BorderInMemLeft) != 0; }
+    constexpr bool rightInMemory() const { return (bits_ & BorderInMemRight) != 0; }
+
+    // The column of the caller's memory whose pixel stands at column x of a row of `width` pixels, or kValue.
+    constexpr int64_t column(int64_t x, int64_t width) const {
+        return source(x, width, leftInMemory(), rightInMemory());
+    }
+    // The same for row y of `height` rows.
+    constexpr int64_t row(int64_t y, int64_t height) const {
+        return source(y, height, topInMemory(), bottomInMemory());
+    }
+
+  private:
+    constexpr int64_t source(int64_t i, int64_t n, bool beforeInMemory, bool afterInMemory) const {
+        if (i >= 0 && i < n) return i;
+        if (i < 0 ? beforeInMemory : afterInMemory) return i;
+        switch (kind()) {
+            case BorderReplicate:
+                return i < 0 ? 0 : n - 1;
+            case BorderMirror:
+                return mirrored(i, n);
+            default:
+                return kValue;
+        }
+    }
+
+    // Reflected about the first and the last pixel as often as it takes: a line shorter than the kernel's
+    // reach is still read inside.
+    static constexpr int64_t mirrored(int64_t i, int64_t n) {
+        if (n == 1) return 0;
+        const int64_t period = 2 * (n - 1);
+        const int64_t phase = (i % period + period) % period;
+        return phase < n ? phase : period - phase;
+    }
+
+    BorderKind bits_;
+};
+
+// Writes the pixels at columns `from` to `to` - 1 of a row of `width` pixels to `out`; those outside the row
+// are produced by the border. `value` holds one element per channel and is read for the constant kind only.
+template <int Channels, class T>
+void produceColumns(T* out, const T* row, int64_t width, int64_t from, int64_t to, Border border,
+                    const T* value) {
+    const auto copy = [&](int64_t x, int64_t count) {
+        std::memcpy(out, row + x * Channels, static_cast<size_t>(count) * Channels * sizeof(T));
+        out += count * Channels;
+    };
+    const auto produce = [&](int64_t x, int64_t end) {
+        for (; x < end; ++x) {
+            const int64_t source = border.column(x, width);
+            if (source == Border::kValue) {
+                for (int c = 0; c < Channels; ++c) *out++ = value[c];
+            } else {
+                copy(source, 1);
+            }
+        }
+    };
+    const int64_t insideFrom = from < 0 ? 0 : from < width ? from : width;
+    const int64_t insideTo = to > width ? width : to > 0 ? to : 0;
+    if (from < 0) produce(from, to < 0 ? to : 0);
+    if (insideFrom < insideTo) copy(insideFrom, insideTo - insideFrom);
+    if (to > width) produce(from > width ? from : width, to);
+}
+
+}  // namespace okpcv

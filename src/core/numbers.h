@@ -1,0 +1,57 @@
+// Numbers: how values are rounded, clamped and converted. Every conversion that loses something has its name
+// here, so that scalar code, vector code and documentation speak of the same rule.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace okpcv {
+
+template <class T>
+inline constexpr T kSmallest = std::numeric_limits<T>::lowest();
+template <class T>
+inline constexpr T kLargest = std::numeric_limits<T>::max();
+
+// The value of an integer type nearest to v.
+template <class T, class From>
+constexpr T saturate(From v) {
+    static_assert(std::is_integral_v<T> && std::is_integral_v<From> && sizeof(From) > sizeof(T));
+    const From low = kSmallest<T>;
+    const From high = kLargest<T>;
+    return static_cast<T>(v < low ? low : v > high ? high : v);
+}
+
+// Clamped to an 8- or 16-bit type, then truncated towards zero; NaN counts as below the range.
+template <class T>
+constexpr T truncateSaturated(float v) {
+    static_assert(std::is_integral_v<T> && sizeof(T) <= 2);
+    const float low = kSmallest<T>;
+    const float high = kLargest<T>;
+    const float atLeastLow = v > low ? v : low;
+    return static_cast<T>(static_cast<int32_t>(atLeastLow < high ? atLeastLow : high));
+}
+
+// v times the quotient of two positive powers of two, rounded half up: (v + 2^(bits - 1)) >> bits.
+constexpr int64_t shiftRightHalfUp(int64_t v, int bits) {
+    return bits == 0 ? v : (v + (int64_t{1} << (bits - 1))) >> bits;
+}
+
+// The 32-bit product that a multiplication without overflow checks leaves: modulo 2^32.
+constexpr int32_t wrappingProduct(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
+}
+
+constexpr int64_t roundUp(int64_t v, int64_t multiple) {
+    return (v + multiple - 1) / multiple * multiple;
+}
+
+// The product of two factors that are not negative, or false when it does not fit 64 bits.
+constexpr bool multiplyChecked(int64_t a, int64_t b, int64_t& product) {
+    return !__builtin_mul_overflow(a, b, &product);
+}
+constexpr bool addChecked(int64_t a, int64_t b, int64_t& sum) {
+    return !__builtin_add_overflow(a, b, &sum);
+}
+
+}  // namespace okpcv

@@ -1,0 +1,61 @@
+// Row engines: they walk the rows of a region and hand a kernel vector after vector. The kernel is called
+// with an extent (Whole, Part or Streamed, see simd.h) and the addresses of one vector's first pixel in each
+// image; it passes the extent on to its loads and stores. So the rest of a row runs through the same code as
+// its whole vectors, and no scalar twin of a kernel exists.
+#pragma once
+
+#include <cstdint>
+
+#include "core/image.h"
+#include "core/simd.h"
+
+namespace okpcv {
+
+// Calls kernel(extent, p + x...) for x = 0, kLanes, 2 * kLanes, ... over `width` elements.
+template <int kLanes, class Kernel, class... T>
+OKPCV_INLINE void mapRow(int64_t width, const Kernel& kernel, T*... p) {
+    int64_t x = 0;
+    for (; x + 2 * kLanes <= width; x += 2 * kLanes) {
+        kernel(Whole{}, (p + x)...);
+        kernel(Whole{}, (p + x + kLanes)...);
+    }
+    if (x + kLanes <= width) {
+        kernel(Whole{}, (p + x)...);
+        x += kLanes;
+    }
+    if (x < width) kernel(Part{static_cast<int>(width - x)}, (p + x)...);
+}
+
+// Maps pixels to pixels: mapRow over every row of single-channel images (an image of several channels passes
+// as a wider one of single elements). Rows that follow each other without gaps are one long row.
+template <int kLanes, class Kernel, class... T>
+OKPCV_INLINE void mapRows(Size size, const Kernel& kernel, const Image<T>&... images) {
+    if ((images.isDense(size.width) && ...)) size = {size.width * size.height, 1};
+    for (int64_t y = 0; y < size.height; ++y) mapRow<kLanes>(size.width, kernel, images.row(y)...);
+}
+
+// mapRows whose kernel stores to the first image past the caches where the extent says Streamed. Every row
+// begins with the elements before its first aligned address; a row that never reaches one (its address is no
+// multiple of the element size) is stored ordinarily.
+template <int kLanes, class Kernel, class Out, class... T>
+OKPCV_INLINE void mapRowsStreamed(Size size, const Kernel& kernel, const Image<Out>& out,
+                                  const Image<T>&... images) {
+    static_assert(kLanes == Vec<Out>::lanes);
+    if (out.isDense(size.width) && (images.isDense(size.width) && ...)) size = {size.width * size.height, 1};
+    for (int64_t y = 0; y < size.height; ++y) {
+        Out* const row = out.row(y);
+        const auto beyond = reinterpret_cast<uintptr_t>(row) % kVectorBytes;
+        if (beyond % sizeof(Out) != 0) {
+            mapRow<kLanes>(size.width, kernel, row, images.row(y)...);
+            continue;
+        }
+        const int64_t toAligned = static_cast<int64_t>((kVectorBytes - beyond) % kVectorBytes / sizeof(Out));
+        int64_t x = toAligned < size.width ? toAligned : size.width;
+        if (x > 0) kernel(Part{static_cast<int>(x)}, row, images.row(y)...);
+        for (; x + kLanes <= size.width; x += kLanes) kernel(Streamed{}, row + x, (images.row(y) + x)...);
+        if (x < size.width) kernel(Part{static_cast<int>(size.width - x)}, row + x, (images.row(y) + x)...);
+    }
+    finishStreaming();
+}
+
+}  // namespace okpcv

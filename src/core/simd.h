@@ -1,0 +1,799 @@
+// Vectors: the only file that knows intrinsics and the register width. Kernels see Vec<T>, its lane count and
+// operations on whole vectors; another register width is another implementation of this file.
+//
+// Where an operation's name is that of a scalar one, each lane is exactly the scalar result: integer sums
+// wrap, float operations round to nearest, comparisons are ordered (false with NaN) and give all ones or all
+// zeros.
+#pragma once
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#define OKPCV_INLINE inline __attribute__((always_inline))
+
+namespace okpcv {
+
+inline constexpr int kVectorBytes = 16;
+
+namespace detail {
+template <class T>
+struct Register {
+    using Type = __m128i;
+};
+template <>
+struct Register<float> {
+    using Type = __m128;
+};
+template <>
+struct Register<double> {
+    using Type = __m128d;
+};
+}  // namespace detail
+
+template <class T>
+struct Vec {
+    using Raw = typename detail::Register<T>::Type;
+    static constexpr int lanes = kVectorBytes / int{sizeof(T)};
+    Raw raw;
+};
+
+template <class T>
+inline constexpr bool kIsFloat = std::is_same_v<T, float>;
+template <class T>
+inline constexpr bool kIsDouble = std::is_same_v<T, double>;
+template <class T>
+inline constexpr bool kIsInt = std::is_integral_v<T>;
+
+// The same bits as another lane type.
+template <class To, class From>
+OKPCV_INLINE Vec<To> bitCast(Vec<From> v) {
+    return {std::bit_cast<typename Vec<To>::Raw>(v.raw)};
+}
+
+// ---- Constants ------------------------------------------------------------------------------------------
+
+template <class T>
+OKPCV_INLINE Vec<T> zeros() {
+    return bitCast<T>(Vec<int32_t>{_mm_setzero_si128()});
+}
+
+template <class T>
+OKPCV_INLINE Vec<T> broadcast(T value) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_set1_ps(value)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_set1_pd(value)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_set1_epi8(static_cast<char>(value))};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_set1_epi16(static_cast<short>(value))};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_set1_epi32(static_cast<int>(value))};
+    } else {
+        return {_mm_set1_epi64x(static_cast<long long>(value))};
+    }
+}
+
+// 0, 1, 2, ... in the lanes.
+template <class T>
+OKPCV_INLINE Vec<T> laneNumbers() {
+    T numbers[Vec<T>::lanes];
+    for (int i = 0; i < Vec<T>::lanes; ++i) numbers[i] = static_cast<T>(i);
+    return std::bit_cast<Vec<T>>(numbers);
+}
+
+// ---- Memory ---------------------------------------------------------------------------------------------
+
+// How much of a vector a load or store touches. Row engines hand one of these to a kernel, which passes it
+// on, so that one kernel serves whole vectors, the rest of a row, and streaming stores.
+struct Whole {
+    static constexpr Whole from(int) { return {}; }
+};
+// The first `count` lanes; lanes beyond it load as zero and are not stored.
+struct Part {
+    int count;
+    // What is left of it for a vector that begins `lanes` further on.
+    constexpr Part from(int lanes) const { return {count - lanes}; }
+};
+// A whole vector whose store bypasses the caches; the address must be a multiple of kVectorBytes.
+struct Streamed {
+    static constexpr Streamed from(int) { return {}; }
+};
+
+namespace detail {
+
+template <class T>
+OKPCV_INLINE T loadScalar(const void* p) {
+    T value;
+    std::memcpy(&value, p, sizeof value);
+    return value;
+}
+
+template <class T>
+OKPCV_INLINE void storeScalar(void* p, T value) {
+    std::memcpy(p, &value, sizeof value);
+}
+
+// The first 1 to 7 bytes at p, in loads that stay inside them.
+OKPCV_INLINE uint64_t loadUpTo7(const unsigned char* p, int bytes) {
+    if (bytes >= 4) {
+        const uint64_t low = loadScalar<uint32_t>(p);
+        const uint64_t high = loadScalar<uint32_t>(p + bytes - 4);
+        return low | high << (8 * (bytes - 4));
+    }
+    const uint64_t first = p[0];
+    const uint64_t middle = p[bytes >> 1];
+    const uint64_t last = p[bytes - 1];
+    return first | middle << (8 * (bytes >> 1)) | last << (8 * (bytes - 1));
+}
+
+OKPCV_INLINE void storeUpTo7(unsigned char* p, uint64_t value, int bytes) {
+    if (bytes >= 4) {
+        storeScalar(p, static_cast<uint32_t>(value));
+        storeScalar(p + bytes - 4, static_cast<uint32_t>(value >> (8 * (bytes - 4))));
+        return;
+    }
+    p[0] = static_cast<unsigned char>(value);
+    p[bytes >> 1] = static_cast<unsigned char>(value >> (8 * (bytes >> 1)));
+    p[bytes - 1] = static_cast<unsigned char>(value >> (8 * (bytes - 1)));
+}
+
+// The first `bytes` bytes at p (any number; 16 or more load 16), zeros behind them.
+OKPCV_INLINE __m128i loadBytes(const void* from, int bytes) {
+    const auto* p = static_cast<const unsigned char*>(from);
+    if (bytes >= 16) return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    if (bytes >= 8) {
+        const __m128i low = _mm_cvtsi64_si128(loadScalar<int64_t>(p));
+        if (bytes == 8) return low;
+        return _mm_insert_epi64(
+            low, static_cast<int64_t>(loadScalar<uint64_t>(p + bytes - 8) >> (8 * (16 - bytes))), 1);
+    }
+    if (bytes <= 0) return _mm_setzero_si128();
+    return _mm_cvtsi64_si128(static_cast<int64_t>(loadUpTo7(p, bytes)));
+}
+
+OKPCV_INLINE void storeBytes(void* to, __m128i value, int bytes) {
+    auto* p = static_cast<unsigned char*>(to);
+    if (bytes >= 16) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p), value);
+        return;
+    }
+    const auto low = static_cast<uint64_t>(_mm_cvtsi128_si64(value));
+    if (bytes >= 8) {
+        storeScalar(p, low);
+        if (bytes > 8) {
+            const auto high = static_cast<uint64_t>(_mm_extract_epi64(value, 1));
+            // The last 8 of the bytes: the tail of the low half, then the head of the high half.
+            storeScalar(p + bytes - 8, low >> (8 * (bytes - 8)) | high << (8 * (16 - bytes)));
+        }
+        return;
+    }
+    if (bytes > 0) storeUpTo7(p, low, bytes);
+}
+
+}  // namespace detail
+
+template <class T>
+OKPCV_INLINE Vec<T> load(const T* p) {
+    return bitCast<T>(Vec<int32_t>{_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))});
+}
+template <class T>
+OKPCV_INLINE Vec<T> load(const T* p, Whole) {
+    return load(p);
+}
+template <class T>
+OKPCV_INLINE Vec<T> load(const T* p, Streamed) {
+    return load(p);
+}
+template <class T>
+OKPCV_INLINE Vec<T> load(const T* p, Part part) {
+    return bitCast<T>(Vec<int32_t>{detail::loadBytes(p, part.count * int{sizeof(T)})});
+}
+
+template <class T>
+OKPCV_INLINE void store(T* p, Vec<T> v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bitCast<int32_t>(v).raw);
+}
+template <class T>
+OKPCV_INLINE void store(T* p, Vec<T> v, Whole) {
+    store(p, v);
+}
+template <class T>
+OKPCV_INLINE void store(T* p, Vec<T> v, Streamed) {
+    _mm_stream_si128(reinterpret_cast<__m128i*>(p), bitCast<int32_t>(v).raw);
+}
+template <class T>
+OKPCV_INLINE void store(T* p, Vec<T> v, Part part) {
+    detail::storeBytes(p, bitCast<int32_t>(v).raw, part.count * int{sizeof(T)});
+}
+
+// Orders the streaming stores before it against whatever the caller does next.
+OKPCV_INLINE void finishStreaming() {
+    _mm_sfence();
+}
+
+namespace detail {
+
+// Vec<To>::lanes elements of From from the low bytes of `raw`, converted exactly.
+template <class To, class From>
+OKPCV_INLINE Vec<To> extend(__m128i raw) {
+    using Mid = std::conditional_t<kIsInt<To>, To, int32_t>;  // floats come from 32-bit integers
+    __m128i mid = raw;
+    if constexpr (sizeof(From) == 1 && sizeof(Mid) == 2) {
+        mid = std::is_signed_v<From> ? _mm_cvtepi8_epi16(raw) : _mm_cvtepu8_epi16(raw);
+    } else if constexpr (sizeof(From) == 1 && sizeof(Mid) == 4) {
+        mid = std::is_signed_v<From> ? _mm_cvtepi8_epi32(raw) : _mm_cvtepu8_epi32(raw);
+    } else if constexpr (sizeof(From) == 2 && sizeof(Mid) == 4) {
+        mid = std::is_signed_v<From> ? _mm_cvtepi16_epi32(raw) : _mm_cvtepu16_epi32(raw);
+    } else if constexpr (sizeof(From) == 4 && sizeof(Mid) == 8) {
+        mid = std::is_signed_v<From> ? _mm_cvtepi32_epi64(raw) : _mm_cvtepu32_epi64(raw);
+    }
+    if constexpr (kIsFloat<To>) {
+        return {_mm_cvtepi32_ps(mid)};
+    } else if constexpr (kIsDouble<To>) {
+        return {_mm_cvtepi32_pd(mid)};
+    } else {
+        return {mid};
+    }
+}
+
+}  // namespace detail
+
+// Loads Vec<To>::lanes elements and converts each exactly: integers to wider integers or to floats that hold
+// every value of the type.
+template <class To, class From, class Extent = Whole>
+OKPCV_INLINE Vec<To> loadAs(const From* p, Extent extent = {}) {
+    if constexpr (std::is_same_v<To, From>) {
+        return load(p, extent);
+    } else {
+        static_assert(sizeof(From) < sizeof(To) && (kIsInt<From> || (kIsFloat<From> && kIsDouble<To>)));
+        constexpr int bytes = Vec<To>::lanes * int{sizeof(From)};
+        __m128i raw;
+        if constexpr (std::is_same_v<Extent, Part>) {
+            const int count = extent.count < Vec<To>::lanes ? extent.count : Vec<To>::lanes;
+            raw = detail::loadBytes(p, count * int{sizeof(From)});
+        } else if constexpr (bytes == 8) {
+            raw = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+        } else if constexpr (bytes == 4) {
+            raw = _mm_cvtsi32_si128(detail::loadScalar<int32_t>(p));
+        } else {
+            raw = _mm_cvtsi32_si128(detail::loadScalar<uint16_t>(p));
+        }
+        if constexpr (kIsFloat<From>) {
+            return {_mm_cvtps_pd(_mm_castsi128_ps(raw))};
+        } else {
+            return detail::extend<To, From>(raw);
+        }
+    }
+}
+
+// ---- Bits and comparisons -------------------------------------------------------------------------------
+
+template <class T>
+OKPCV_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
+    return bitCast<T>(Vec<int32_t>{_mm_and_si128(bitCast<int32_t>(a).raw, bitCast<int32_t>(b).raw)});
+}
+template <class T>
+OKPCV_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
+    return bitCast<T>(Vec<int32_t>{_mm_or_si128(bitCast<int32_t>(a).raw, bitCast<int32_t>(b).raw)});
+}
+template <class T>
+OKPCV_INLINE Vec<T> operator^(Vec<T> a, Vec<T> b) {
+    return bitCast<T>(Vec<int32_t>{_mm_xor_si128(bitCast<int32_t>(a).raw, bitCast<int32_t>(b).raw)});
+}
+template <class T>
+OKPCV_INLINE Vec<T> operator~(Vec<T> a) {
+    return bitCast<T>(Vec<int32_t>{_mm_xor_si128(bitCast<int32_t>(a).raw, _mm_set1_epi32(-1))});
+}
+// a where `mask` is zero, 0 where it is all ones.
+template <class T>
+OKPCV_INLINE Vec<T> andNot(Vec<T> a, Vec<T> mask) {
+    return bitCast<T>(Vec<int32_t>{_mm_andnot_si128(bitCast<int32_t>(mask).raw, bitCast<int32_t>(a).raw)});
+}
+// mask ? a : b.
+template <class T>
+OKPCV_INLINE Vec<T> select(Vec<T> mask, Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_blendv_ps(b.raw, a.raw, mask.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_blendv_pd(b.raw, a.raw, mask.raw)};
+    } else {
+        return {_mm_blendv_epi8(b.raw, a.raw, mask.raw)};
+    }
+}
+
+template <class T>
+OKPCV_INLINE Vec<T> min(Vec<T> a, Vec<T> b);
+template <class T>
+OKPCV_INLINE Vec<T> max(Vec<T> a, Vec<T> b);
+
+template <class T>
+OKPCV_INLINE Vec<T> equal(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_cmpeq_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_cmpeq_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_cmpeq_epi8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_cmpeq_epi16(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_cmpeq_epi32(a.raw, b.raw)};
+    } else {
+        return {_mm_cmpeq_epi64(a.raw, b.raw)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> greater(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_cmpgt_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_cmpgt_pd(a.raw, b.raw)};
+    } else if constexpr (std::is_unsigned_v<T>) {
+        return ~equal(min(a, b), a);
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_cmpgt_epi8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_cmpgt_epi16(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_cmpgt_epi32(a.raw, b.raw)};
+    } else {
+        return {_mm_cmpgt_epi64(a.raw, b.raw)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> less(Vec<T> a, Vec<T> b) {
+    return greater(b, a);
+}
+template <class T>
+OKPCV_INLINE Vec<T> greaterEqual(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_cmpge_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_cmpge_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 8) {
+        return ~greater(b, a);
+    } else {
+        return equal(max(a, b), a);
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> lessEqual(Vec<T> a, Vec<T> b) {
+    return greaterEqual(b, a);
+}
+
+// One bit per lane of a comparison's result, lane 0 lowest.
+template <class T>
+OKPCV_INLINE uint32_t laneBits(Vec<T> mask) {
+    if constexpr (sizeof(T) == 1) {
+        return static_cast<uint32_t>(_mm_movemask_epi8(mask.raw));
+    } else if constexpr (sizeof(T) == 2) {
+        return static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(mask.raw, _mm_setzero_si128())));
+    } else if constexpr (sizeof(T) == 4) {
+        return static_cast<uint32_t>(_mm_movemask_ps(bitCast<float>(mask).raw));
+    } else {
+        return static_cast<uint32_t>(_mm_movemask_pd(bitCast<double>(mask).raw));
+    }
+}
+// Whether any bit of v is set.
+template <class T>
+OKPCV_INLINE bool anyBit(Vec<T> v) {
+    return !_mm_testz_si128(bitCast<int32_t>(v).raw, bitCast<int32_t>(v).raw);
+}
+
+// ---- Arithmetic -----------------------------------------------------------------------------------------
+
+template <class T>
+OKPCV_INLINE Vec<T> operator+(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_add_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_add_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_add_epi8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_add_epi16(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_add_epi32(a.raw, b.raw)};
+    } else {
+        return {_mm_add_epi64(a.raw, b.raw)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> operator-(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_sub_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_sub_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_sub_epi8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_sub_epi16(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_sub_epi32(a.raw, b.raw)};
+    } else {
+        return {_mm_sub_epi64(a.raw, b.raw)};
+    }
+}
+// The low half of the product for integers (16- and 32-bit).
+template <class T>
+OKPCV_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_mul_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_mul_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_mullo_epi16(a.raw, b.raw)};
+    } else {
+        static_assert(sizeof(T) == 4);
+        return {_mm_mullo_epi32(a.raw, b.raw)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_div_ps(a.raw, b.raw)};
+    } else {
+        static_assert(kIsDouble<T>);
+        return {_mm_div_pd(a.raw, b.raw)};
+    }
+}
+
+// a < b ? a : b, so b where the lanes are unordered or equal.
+template <class T>
+OKPCV_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_min_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_min_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {std::is_signed_v<T> ? _mm_min_epi8(a.raw, b.raw) : _mm_min_epu8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {std::is_signed_v<T> ? _mm_min_epi16(a.raw, b.raw) : _mm_min_epu16(a.raw, b.raw)};
+    } else {
+        static_assert(sizeof(T) == 4);
+        return {std::is_signed_v<T> ? _mm_min_epi32(a.raw, b.raw) : _mm_min_epu32(a.raw, b.raw)};
+    }
+}
+// a > b ? a : b, so b where the lanes are unordered or equal.
+template <class T>
+OKPCV_INLINE Vec<T> max(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_max_ps(a.raw, b.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_max_pd(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {std::is_signed_v<T> ? _mm_max_epi8(a.raw, b.raw) : _mm_max_epu8(a.raw, b.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {std::is_signed_v<T> ? _mm_max_epi16(a.raw, b.raw) : _mm_max_epu16(a.raw, b.raw)};
+    } else {
+        static_assert(sizeof(T) == 4);
+        return {std::is_signed_v<T> ? _mm_max_epi32(a.raw, b.raw) : _mm_max_epu32(a.raw, b.raw)};
+    }
+}
+
+// Sum and difference clamped to the type (8- and 16-bit).
+template <class T>
+OKPCV_INLINE Vec<T> addSaturated(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) {
+        return {std::is_signed_v<T> ? _mm_adds_epi8(a.raw, b.raw) : _mm_adds_epu8(a.raw, b.raw)};
+    } else {
+        static_assert(sizeof(T) == 2);
+        return {std::is_signed_v<T> ? _mm_adds_epi16(a.raw, b.raw) : _mm_adds_epu16(a.raw, b.raw)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> subSaturated(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) {
+        return {std::is_signed_v<T> ? _mm_subs_epi8(a.raw, b.raw) : _mm_subs_epu8(a.raw, b.raw)};
+    } else {
+        static_assert(sizeof(T) == 2);
+        return {std::is_signed_v<T> ? _mm_subs_epi16(a.raw, b.raw) : _mm_subs_epu16(a.raw, b.raw)};
+    }
+}
+
+// |a| with the sign bit cleared for floats; the most negative integer stays as it is (its own modulus as an
+// unsigned number).
+template <class T>
+OKPCV_INLINE Vec<T> abs(Vec<T> a) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_andnot_ps(_mm_set1_ps(-0.0F), a.raw)};
+    } else if constexpr (kIsDouble<T>) {
+        return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.raw)};
+    } else if constexpr (sizeof(T) == 1) {
+        return {_mm_abs_epi8(a.raw)};
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_abs_epi16(a.raw)};
+    } else {
+        static_assert(sizeof(T) == 4);
+        return {_mm_abs_epi32(a.raw)};
+    }
+}
+// |a - b| of unsigned 8- and 16-bit lanes.
+template <class T>
+OKPCV_INLINE Vec<T> absDiff(Vec<T> a, Vec<T> b) {
+    static_assert(std::is_unsigned_v<T>);
+    return subSaturated(a, b) | subSaturated(b, a);
+}
+
+template <class T>
+OKPCV_INLINE Vec<T> sqrt(Vec<T> a) {
+    if constexpr (kIsFloat<T>) {
+        return {_mm_sqrt_ps(a.raw)};
+    } else {
+        static_assert(kIsDouble<T>);
+        return {_mm_sqrt_pd(a.raw)};
+    }
+}
+
+// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign.
+template <class T>
+OKPCV_INLINE Vec<T> shiftLeft(Vec<T> a, int bits) {
+    if constexpr (sizeof(T) == 2) {
+        return {_mm_slli_epi16(a.raw, bits)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {_mm_slli_epi32(a.raw, bits)};
+    } else {
+        static_assert(sizeof(T) == 8);
+        return {_mm_slli_epi64(a.raw, bits)};
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> shiftRight(Vec<T> a, int bits) {
+    if constexpr (sizeof(T) == 2) {
+        return {std::is_signed_v<T> ? _mm_srai_epi16(a.raw, bits) : _mm_srli_epi16(a.raw, bits)};
+    } else if constexpr (sizeof(T) == 4) {
+        return {std::is_signed_v<T> ? _mm_srai_epi32(a.raw, bits) : _mm_srli_epi32(a.raw, bits)};
+    } else {
+        static_assert(sizeof(T) == 8 && std::is_unsigned_v<T>);
+        return {_mm_srli_epi64(a.raw, bits)};
+    }
+}
+
+// Products of signed 16-bit lanes, neighbours added: a[2i] * b[2i] + a[2i + 1] * b[2i + 1].
+OKPCV_INLINE Vec<int32_t> mulAddPairs(Vec<int16_t> a, Vec<int16_t> b) {
+    return {_mm_madd_epi16(a.raw, b.raw)};
+}
+// The same of unsigned by signed bytes, saturated to 16 bits.
+OKPCV_INLINE Vec<int16_t> mulAddPairs(Vec<uint8_t> a, Vec<int8_t> b) {
+    return {_mm_maddubs_epi16(a.raw, b.raw)};
+}
+// The high half of the product (16-bit).
+template <class T>
+OKPCV_INLINE Vec<T> mulHigh(Vec<T> a, Vec<T> b) {
+    static_assert(sizeof(T) == 2);
+    return {std::is_signed_v<T> ? _mm_mulhi_epi16(a.raw, b.raw) : _mm_mulhi_epu16(a.raw, b.raw)};
+}
+// |a - b| summed over each group of eight bytes.
+OKPCV_INLINE Vec<uint64_t> sumAbsDiff(Vec<uint8_t> a, Vec<uint8_t> b) {
+    return {_mm_sad_epu8(a.raw, b.raw)};
+}
+
+// ---- Conversion -----------------------------------------------------------------------------------------
+
+// The first and the second half of the lanes, each converted exactly to a type twice as wide.
+template <class To, class From>
+OKPCV_INLINE Vec<To> widenLow(Vec<From> a) {
+    static_assert(sizeof(To) == 2 * sizeof(From) || (kIsDouble<To> && sizeof(From) == 4));
+    if constexpr (kIsFloat<From>) {
+        return {_mm_cvtps_pd(a.raw)};
+    } else {
+        return detail::extend<To, From>(a.raw);
+    }
+}
+template <class To, class From>
+OKPCV_INLINE Vec<To> widenHigh(Vec<From> a) {
+    if constexpr (kIsInt<From> && std::is_unsigned_v<From> && kIsInt<To>) {
+        const __m128i zero = _mm_setzero_si128();
+        if constexpr (sizeof(From) == 1) {
+            return {_mm_unpackhi_epi8(a.raw, zero)};
+        } else if constexpr (sizeof(From) == 2) {
+            return {_mm_unpackhi_epi16(a.raw, zero)};
+        } else {
+            return {_mm_unpackhi_epi32(a.raw, zero)};
+        }
+    } else {
+        const __m128i bits = bitCast<int32_t>(a).raw;
+        return widenLow<To>(bitCast<From>(Vec<int32_t>{_mm_unpackhi_epi64(bits, bits)}));
+    }
+}
+
+// Two vectors of signed integers clamped into one of half the width.
+template <class To, class From>
+OKPCV_INLINE Vec<To> narrowSaturated(Vec<From> low, Vec<From> high) {
+    static_assert(std::is_signed_v<From> && sizeof(From) == 2 * sizeof(To));
+    if constexpr (sizeof(From) == 2) {
+        return {std::is_signed_v<To> ? _mm_packs_epi16(low.raw, high.raw)
+                                     : _mm_packus_epi16(low.raw, high.raw)};
+    } else {
+        static_assert(sizeof(From) == 4);
+        return {std::is_signed_v<To> ? _mm_packs_epi32(low.raw, high.raw)
+                                     : _mm_packus_epi32(low.raw, high.raw)};
+    }
+}
+
+OKPCV_INLINE Vec<float> toFloat(Vec<int32_t> a) {
+    return {_mm_cvtepi32_ps(a.raw)};
+}
+// Towards zero, and to nearest with ties to even. Out of range and NaN give INT32_MIN.
+OKPCV_INLINE Vec<int32_t> truncateToInt(Vec<float> a) {
+    return {_mm_cvttps_epi32(a.raw)};
+}
+OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
+    return {_mm_cvtps_epi32(a.raw)};
+}
+// Two vectors of doubles rounded to single precision.
+OKPCV_INLINE Vec<float> narrow(Vec<double> low, Vec<double> high) {
+    return {_mm_movelh_ps(_mm_cvtpd_ps(low.raw), _mm_cvtpd_ps(high.raw))};
+}
+
+// ---- Lanes ----------------------------------------------------------------------------------------------
+
+// Lane i takes lane i - N of a (i + N for the second form), 0 where there is none.
+template <int N, class T>
+OKPCV_INLINE Vec<T> shiftLanesUp(Vec<T> a) {
+    return bitCast<T>(Vec<int32_t>{_mm_slli_si128(bitCast<int32_t>(a).raw, N * int{sizeof(T)})});
+}
+template <int N, class T>
+OKPCV_INLINE Vec<T> shiftLanesDown(Vec<T> a) {
+    return bitCast<T>(Vec<int32_t>{_mm_srli_si128(bitCast<int32_t>(a).raw, N * int{sizeof(T)})});
+}
+// Lanes N, N + 1, ... of the sequence first, second.
+template <int N, class T>
+OKPCV_INLINE Vec<T> slide(Vec<T> first, Vec<T> second) {
+    return bitCast<T>(Vec<int32_t>{
+        _mm_alignr_epi8(bitCast<int32_t>(second).raw, bitCast<int32_t>(first).raw, N * int{sizeof(T)})});
+}
+// a0 b0 a1 b1 ... from the first (second) half of the lanes.
+template <class T>
+OKPCV_INLINE Vec<T> interleaveLow(Vec<T> a, Vec<T> b) {
+    const __m128i x = bitCast<int32_t>(a).raw;
+    const __m128i y = bitCast<int32_t>(b).raw;
+    __m128i z;
+    if constexpr (sizeof(T) == 1) {
+        z = _mm_unpacklo_epi8(x, y);
+    } else if constexpr (sizeof(T) == 2) {
+        z = _mm_unpacklo_epi16(x, y);
+    } else if constexpr (sizeof(T) == 4) {
+        z = _mm_unpacklo_epi32(x, y);
+    } else {
+        z = _mm_unpacklo_epi64(x, y);
+    }
+    return bitCast<T>(Vec<int32_t>{z});
+}
+template <class T>
+OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
+    const __m128i x = bitCast<int32_t>(a).raw;
+    const __m128i y = bitCast<int32_t>(b).raw;
+    __m128i z;
+    if constexpr (sizeof(T) == 1) {
+        z = _mm_unpackhi_epi8(x, y);
+    } else if constexpr (sizeof(T) == 2) {
+        z = _mm_unpackhi_epi16(x, y);
+    } else if constexpr (sizeof(T) == 4) {
+        z = _mm_unpackhi_epi32(x, y);
+    } else {
+        z = _mm_unpackhi_epi64(x, y);
+    }
+    return bitCast<T>(Vec<int32_t>{z});
+}
+template <class T>
+OKPCV_INLINE T firstLane(Vec<T> a) {
+    return detail::loadScalar<T>(&a);
+}
+template <class T>
+OKPCV_INLINE T lastLane(Vec<T> a) {
+    return detail::loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
+}
+
+// All lanes folded by an operation, halves first: for four lanes (0 op 2) op (1 op 3).
+template <class T, class Op>
+OKPCV_INLINE T foldLanes(Vec<T> a, Op op) {
+    if constexpr (Vec<T>::lanes >= 16) a = op(a, shiftLanesDown<8>(a));
+    if constexpr (Vec<T>::lanes >= 8) a = op(a, shiftLanesDown<4>(a));
+    if constexpr (Vec<T>::lanes >= 4) a = op(a, shiftLanesDown<2>(a));
+    a = op(a, shiftLanesDown<1>(a));
+    return firstLane(a);
+}
+template <class T>
+OKPCV_INLINE T sumLanes(Vec<T> a) {
+    return foldLanes(a, [](Vec<T> x, Vec<T> y) { return x + y; });
+}
+template <class T>
+OKPCV_INLINE T minLane(Vec<T> a) {
+    return foldLanes(a, [](Vec<T> x, Vec<T> y) { return min(x, y); });
+}
+template <class T>
+OKPCV_INLINE T maxLane(Vec<T> a) {
+    return foldLanes(a, [](Vec<T> x, Vec<T> y) { return max(x, y); });
+}
+
+template <class T>
+struct Channels3 {
+    Vec<T> c0, c1, c2;
+};
+
+namespace detail {
+
+// The byte shuffle that moves to place i of the result the byte of input register `input` that belongs there,
+// where source(i) gives the index in the sequence of the three inputs; other places become zero.
+template <class Source>
+constexpr auto shuffleFrom(int input, Source source) {
+    struct Indices {
+        alignas(16) int8_t at[16];
+    } indices{};
+    for (int i = 0; i < 16; ++i) {
+        const int from = source(i) - 16 * input;
+        indices.at[i] = from >= 0 && from < 16 ? static_cast<int8_t>(from) : int8_t{-128};
+    }
+    return indices;
+}
+
+// Byte i of channel c of interleaved triples of T, as an index into the three input registers.
+template <class T>
+constexpr int tripleSource(int c, int i) {
+    constexpr int e = sizeof(T);
+    return (3 * (i / e) + c) * e + i % e;
+}
+// Byte i of output register `out` of interleaving, as an index into the three channel registers.
+template <class T>
+constexpr int channelSource(int out, int i) {
+    constexpr int e = sizeof(T);
+    const int element = (16 * out + i) / e;
+    return 16 * (element % 3) + (element / 3) * e + i % e;
+}
+
+template <class Source>
+OKPCV_INLINE __m128i gather3(__m128i in0, __m128i in1, __m128i in2, Source) {
+    static constexpr auto from0 = shuffleFrom(0, Source{});
+    static constexpr auto from1 = shuffleFrom(1, Source{});
+    static constexpr auto from2 = shuffleFrom(2, Source{});
+    const auto at = [](const auto& indices) {
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(indices.at));
+    };
+    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(in0, at(from0)), _mm_shuffle_epi8(in1, at(from1))),
+                        _mm_shuffle_epi8(in2, at(from2)));
+}
+
+template <class T, int C>
+struct TripleSource {
+    constexpr int operator()(int i) const { return tripleSource<T>(C, i); }
+};
+template <class T, int Out>
+struct ChannelSource {
+    constexpr int operator()(int i) const { return channelSource<T>(Out, i); }
+};
+
+}  // namespace detail
+
+// Splits interleaved triples: with p the sequence in0, in1, in2, channel c is p[c], p[c + 3], p[c + 6], ...
+template <class T>
+OKPCV_INLINE Channels3<T> deinterleave3(Vec<T> in0, Vec<T> in1, Vec<T> in2) {
+    const __m128i x = bitCast<int32_t>(in0).raw;
+    const __m128i y = bitCast<int32_t>(in1).raw;
+    const __m128i z = bitCast<int32_t>(in2).raw;
+    const auto channel = [&](auto source) {
+        return bitCast<T>(Vec<int32_t>{detail::gather3(x, y, z, source)});
+    };
+    return {channel(detail::TripleSource<T, 0>{}), channel(detail::TripleSource<T, 1>{}),
+            channel(detail::TripleSource<T, 2>{})};
+}
+// The inverse of deinterleave3.
+template <class T>
+OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
+    const __m128i x = bitCast<int32_t>(c0).raw;
+    const __m128i y = bitCast<int32_t>(c1).raw;
+    const __m128i z = bitCast<int32_t>(c2).raw;
+    const auto output = [&](auto source) {
+        return bitCast<T>(Vec<int32_t>{detail::gather3(x, y, z, source)});
+    };
+    return {output(detail::ChannelSource<T, 0>{}), output(detail::ChannelSource<T, 1>{}),
+            output(detail::ChannelSource<T, 2>{})};
+}
+
+}  // namespace okpcv
