@@ -74,11 +74,13 @@ int main(int argc, char** argv) {
             source += ", shown and processed at " + dimensions(gallery.color);
         }
         const std::filesystem::path page =
-            gallery.page.write("okpcv gallery", {"Photograph: " + source + ".",
-                                                 "Library: " + std::string(okpcvGetLibVersion()->name) +
-                                                     ", " + okpcvGetLibVersion()->version + ".",
-                                                 "Times: the median of up to 31 calls on one core, after one "
-                                                 "that does not count."});
+            gallery.page.write("okpcv gallery",
+                               {"Photograph: " + source + ".",
+                                "Library: " + std::string(okpcvGetLibVersion()->name) + ", " +
+                                    okpcvGetLibVersion()->version + ".",
+                                "Times: the median of up to 31 calls on one core, after one "
+                                "that does not count."},
+                               gallery.color);
         std::printf("Wrote %s\n", page.c_str());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "okpcv_gallery: %s\n", error.what());

@@ -26,8 +26,9 @@ body {
     font: 1rem/1.5 system-ui, -apple-system, "Segoe UI", Roboto, "Noto Sans", "DejaVu Sans", sans-serif;
 }
 h1 { margin: 0 0 .5rem; font-size: 2rem; font-weight: 650; letter-spacing: -.02em; }
+header img { float: right; width: 9rem; margin: 0 0 1.5rem 1.5rem; border-radius: .6rem; }
 header p { margin: .15rem 0; color: var(--quiet); }
-nav { display: flex; flex-wrap: wrap; gap: .4rem 1.4rem; margin: 1.5rem 0 0; padding: .8rem 0; }
+nav { clear: both; display: flex; flex-wrap: wrap; gap: .4rem 1.4rem; margin: 1.5rem 0 0; padding: .8rem 0; }
 nav { border: solid var(--line); border-width: 1px 0; }
 a { color: var(--accent); text-decoration: none; }
 a:hover { text-decoration: underline; }
@@ -42,13 +43,16 @@ figure {
 img { display: block; width: 100%; height: auto; background: #000; }
 img.small { image-rendering: pixelated; }
 figcaption { display: flex; flex: 1; flex-direction: column; padding: .8rem 1rem .9rem; font-size: .92rem; }
-.call { margin-top: .7rem; padding-top: .6rem; border-top: 1px solid var(--line); font-size: .82rem; }
+.call {
+    display: flex; flex-wrap: wrap; column-gap: 1rem; margin-top: .7rem; padding-top: .6rem;
+    border-top: 1px solid var(--line); color: var(--quiet); font-size: .82rem;
+}
 .call:nth-of-type(1) { margin-top: auto; }
+.call p { flex-basis: 100%; margin: 0; }
 figcaption > p { margin: 0 0 .7rem; }
 figcaption > p:only-child { margin: 0; }
-code { font: .95em ui-monospace, "SFMono-Regular", Menlo, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
-.numbers { display: flex; justify-content: space-between; gap: 1rem; color: var(--quiet); }
-.time { white-space: nowrap; font-variant-numeric: tabular-nums; }
+code { color: var(--text); font: .95em ui-monospace, "SFMono-Regular", Menlo, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
+.time { margin-left: auto; white-space: nowrap; font-variant-numeric: tabular-nums; }
 )css";
 
 std::string escaped(const std::string& text) {
@@ -98,6 +102,13 @@ std::string duration(double microseconds) {
     return text;
 }
 
+std::string imageElement(const Image8& image, const std::vector<uint8_t>& png, const std::string& caption) {
+    // A small image is drawn larger than it is; its pixels should then stay sharp.
+    return std::string("<img") + (image.width() < 300 ? " class=\"small\"" : "") + " width=\"" +
+           std::to_string(image.width()) + "\" height=\"" + std::to_string(image.height()) + "\" alt=\"" +
+           escaped(caption) + "\" src=\"data:image/png;base64," + base64(png) + "\">\n";
+}
+
 void writeFile(const std::filesystem::path& path, const char* data, size_t size) {
     std::ofstream file(path, std::ios::binary);
     file.write(data, static_cast<std::streamsize>(size));
@@ -120,26 +131,24 @@ void Page::panel(const Panel& panel) {
     const std::vector<uint8_t> png = encodePng(panel.image);
     writeFile(folder_ / (panel.name + ".png"), reinterpret_cast<const char*>(png.data()), png.size());
 
-    const int width = panel.image.width(), height = panel.image.height();
-    sections_ += "<figure>\n<img" + std::string(width < 300 ? " class=\"small\"" : "") + " width=\"" +
-                 std::to_string(width) + "\" height=\"" + std::to_string(height) + "\" alt=\"" +
-                 escaped(panel.caption) + "\" src=\"data:image/png;base64," + base64(png) +
-                 "\">\n<figcaption>\n<p>" + escaped(panel.caption) + "</p>\n";
+    sections_ += "<figure>\n" + imageElement(panel.image, png, panel.caption) + "<figcaption>\n<p>" +
+                 escaped(panel.caption) + "</p>\n";
     for (const Call& call : panel.calls) {
-        sections_ += "<div class=\"call\"><code>" + escaped(call.function) +
-                     "</code><div class=\"numbers\"><span>" + escaped(call.parameters) +
-                     "</span><span class=\"time\">" + duration(call.microseconds) + "</span></div></div>\n";
+        sections_ += "<div class=\"call\"><code>" + escaped(call.function) + "</code><span class=\"time\">" +
+                     duration(call.microseconds) + "</span>";
+        if (!call.parameters.empty()) sections_ += "<p>" + escaped(call.parameters) + "</p>";
+        sections_ += "</div>\n";
     }
     sections_ += "</figcaption>\n</figure>\n";
 }
 
-std::filesystem::path Page::write(const std::string& title,
-                                  const std::vector<std::string>& introduction) const {
+std::filesystem::path Page::write(const std::string& title, const std::vector<std::string>& introduction,
+                                  const Image8& photo) const {
     std::string html =
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
-        escaped(title) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body>\n<header>\n<h1>" +
-        escaped(title) + "</h1>\n";
+        escaped(title) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body>\n<header>\n" +
+        imageElement(photo, encodePng(photo), "The photograph") + "<h1>" + escaped(title) + "</h1>\n";
     for (const std::string& line : introduction) html += "<p>" + escaped(line) + "</p>\n";
     html += "<nav>\n" + links_ + "</nav>\n</header>\n" + sections_;
     if (!sections_.empty()) html += "</div>\n</section>\n";

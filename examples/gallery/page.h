@@ -30,8 +30,9 @@ class Page {
     void section(const std::string& heading, const std::string& sentence);
     void panel(const Panel& panel);
 
-    // Writes index.html and returns its path.
-    std::filesystem::path write(const std::string& title, const std::vector<std::string>& introduction) const;
+    // Writes index.html, which shows the photograph at its head, and returns its path.
+    std::filesystem::path write(const std::string& title, const std::vector<std::string>& introduction,
+                                const Image8& photo) const;
 
   private:
     std::filesystem::path folder_;

@@ -119,10 +119,9 @@ void addRunningStatistics(Gallery& gallery) {
             products.step(), left.size());
     }
 
-    ImageF mean(width, height), deviation(width, height), common(width, height);
-    for (size_t i = 0; i < mean.values().size(); ++i) {
+    ImageF deviation(width, height), common(width, height);
+    for (size_t i = 0; i < deviation.values().size(); ++i) {
         const float m = sum.values()[i] / frames, other = otherSum.values()[i] / frames;
-        mean.values()[i] = m;
         deviation.values()[i] = std::sqrt(std::max(squares.values()[i] / frames - m * m, 0.0f));
         common.values()[i] = std::sqrt(std::max(products.values()[i] / frames - m * other, 0.0f));
     }
@@ -141,13 +140,12 @@ void addRunningStatistics(Gallery& gallery) {
     page.section(
         "Running statistics",
         "Two noisy cameras pan across the photograph together for 48 frames. Sums of the frames, of their "
-        "squares and of their products give mean, deviation and what both cameras agree on.");
+        "squares and of their products give the deviation of every pixel and what both cameras agree on.");
     page.panel({"statistics-frame", "Last frame of the first camera", left});
     page.panel({"statistics-average",
                 "Running average: the newest frames weigh most",
                 grayLevels(average, 0, 255),
                 {weighted}});
-    page.panel({"statistics-mean", "Mean of all frames", grayLevels(mean, 0, 255), {plain}});
     page.panel({"statistics-deviation",
                 "Standard deviation, noise included, dark to bright for 0 to 90",
                 heatColors(deviation, 0, 90),
@@ -192,6 +190,13 @@ void addMaskedLearning(Gallery& gallery) {
                   mask.step(), scratch.data(), scratch.step(), frame.size(), weight);
     const Call count = OKP_TIMED("source 1", okpiAdd_8u32f_C1IMR, one.data(), one.step(), mask.data(),
                                  mask.step(), scratch.data(), scratch.step(), one.size());
+    Image8 withoutMask = toRgb(frame);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            if (mask.at(x, y) == 0) withoutMask.at(x, y, 0) = 255;
+        }
+    }
+
     const ImageF now = toFloat(frame);
     const Call compare = OKP_TIMED("", okpiAbsDiff_32f_C1R, now.data(), now.step(), background.data(),
                                    background.step(), scratch.data(), scratch.step(), now.size());
@@ -201,10 +206,9 @@ void addMaskedLearning(Gallery& gallery) {
         "Learning a background under a mask",
         "While a disc passes and daylight comes up, a running average learns the background. A mask leaves "
         "out the pixels that differ from what has been learned.");
-    page.panel({"learning-frame", "Last of 60 frames", frame});
-    page.panel({"learning-mask",
-                "Its mask: white pixels differ from the background by less than 18",
-                mask,
+    page.panel({"learning-frame",
+                "Last of 60 frames; red pixels differ from the background by 18 or more and are not learned",
+                withoutMask,
                 {compare}});
     page.panel({"learning-everything",
                 "Without the mask the disc leaves a trail",

@@ -47,6 +47,13 @@ Image8 toGray(const Image8& rgb) {
     return gray;
 }
 
+Image8 toRgb(const Image8& gray) {
+    Image8 rgb(gray.width(), gray.height(), 3);
+    uint8_t* to = rgb.data();
+    for (const uint8_t level : gray.values()) to = std::fill_n(to, 3, level);
+    return rgb;
+}
+
 ImageF toFloat(const Image8& image) {
     ImageF values(image.width(), image.height(), image.channels());
     std::copy(image.values().begin(), image.values().end(), values.values().begin());

@@ -11,6 +11,7 @@ Image8 resize(const Image8& image, int width, int height);
 // Gray levels of an RGB image.
 Image8 toGray(const Image8& rgb);
 
+Image8 toRgb(const Image8& gray);
 ImageF toFloat(const Image8& image);
 
 // low becomes black and high white.
