@@ -28,8 +28,10 @@ body {
 h1 { margin: 0 0 .5rem; font-size: 2rem; font-weight: 650; letter-spacing: -.02em; }
 header img { float: right; width: 9rem; margin: 0 0 1.5rem 1.5rem; border-radius: .6rem; }
 header p { margin: .15rem 0; color: var(--quiet); }
-nav { clear: both; display: flex; flex-wrap: wrap; gap: .4rem 1.4rem; margin: 1.5rem 0 0; padding: .8rem 0; }
-nav { border: solid var(--line); border-width: 1px 0; }
+nav {
+    clear: both; display: flex; flex-wrap: wrap; gap: .4rem 1.4rem; padding: .8rem 0;
+    border: solid var(--line); border-width: 1px 0;
+}
 a { color: var(--accent); text-decoration: none; }
 a:hover { text-decoration: underline; }
 section { margin-top: 2.75rem; }
@@ -43,16 +45,13 @@ figure {
 img { display: block; width: 100%; height: auto; background: #000; }
 img.small { image-rendering: pixelated; }
 figcaption { display: flex; flex: 1; flex-direction: column; padding: .8rem 1rem .9rem; font-size: .92rem; }
-.call {
-    display: flex; flex-wrap: wrap; column-gap: 1rem; margin-top: .7rem; padding-top: .6rem;
-    border-top: 1px solid var(--line); color: var(--quiet); font-size: .82rem;
-}
+.call { margin-top: .7rem; padding-top: .5rem; border-top: 1px solid var(--line); font-size: .82rem; }
 .call:nth-of-type(1) { margin-top: auto; }
-.call p { flex-basis: 100%; margin: 0; }
+.call p { display: flex; justify-content: space-between; gap: 1rem; margin: 0; color: var(--quiet); }
+.call p :last-child { white-space: nowrap; font-variant-numeric: tabular-nums; }
 figcaption > p { margin: 0 0 .7rem; }
 figcaption > p:only-child { margin: 0; }
-code { color: var(--text); font: .95em ui-monospace, "SFMono-Regular", Menlo, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
-.time { margin-left: auto; white-space: nowrap; font-variant-numeric: tabular-nums; }
+code { font: .9em ui-monospace, "SFMono-Regular", Menlo, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
 )css";
 
 std::string escaped(const std::string& text) {
@@ -134,10 +133,9 @@ void Page::panel(const Panel& panel) {
     sections_ += "<figure>\n" + imageElement(panel.image, png, panel.caption) + "<figcaption>\n<p>" +
                  escaped(panel.caption) + "</p>\n";
     for (const Call& call : panel.calls) {
-        sections_ += "<div class=\"call\"><code>" + escaped(call.function) + "</code><span class=\"time\">" +
-                     duration(call.microseconds) + "</span>";
-        if (!call.parameters.empty()) sections_ += "<p>" + escaped(call.parameters) + "</p>";
-        sections_ += "</div>\n";
+        sections_ += "<div class=\"call\"><code>" + escaped(call.function) + "</code><p><span>" +
+                     escaped(call.parameters) + "</span><span>" + duration(call.microseconds) +
+                     "</span></p></div>\n";
     }
     sections_ += "</figcaption>\n</figure>\n";
 }
