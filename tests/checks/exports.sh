@@ -1,7 +1,7 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # A shared library exports exactly the functions that headers declare, no more and no fewer.
 # usage: exports.sh LIBRARY COMPILER INCLUDE_DIR HEADER_PATTERN
-set -eu
+set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

@@ -1,7 +1,7 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Every public header compiles by itself, as C99 and as C++17, without a warning.
 # usage: headers.sh INCLUDE_DIR COMPILER
-set -eu
+set -euo pipefail
 cd "$1"
 for header in *.h okpcv/*.h; do
     for language in 'c -std=c99' 'c++ -std=c++17'; do

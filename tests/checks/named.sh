@@ -1,7 +1,7 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Every function that a shared library exports is named in some file below a directory.
 # usage: named.sh LIBRARY DIRECTORY
-set -eu
+set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
