@@ -28,6 +28,7 @@ body {
 h1 { margin: 0 0 .5rem; font-size: 2rem; font-weight: 650; letter-spacing: -.02em; }
 header img { float: right; width: 9rem; margin: 0 0 1.5rem 1.5rem; border-radius: .6rem; }
 header p { margin: .15rem 0; color: var(--quiet); }
+header p:last-of-type { margin-bottom: 1.5rem; }
 nav {
     clear: both; display: flex; flex-wrap: wrap; gap: .4rem 1.4rem; padding: .8rem 0;
     border: solid var(--line); border-width: 1px 0;
