@@ -17,15 +17,13 @@ void addArithPanels(Gallery& gallery);
 // Throws std::runtime_error when the status is an error. Warnings pass.
 void checkStatus(const char* function, okpStatus status);
 
-// Runs the work several times; the median is its time.
-double medianMicroseconds(const std::function<void()>& work);
+// Runs the work, which is a call of the function, several times; the median is its time.
+Call timedCall(const char* function, const char* parameters, const std::function<void()>& work);
 
 // Calls a function of the library and gives up when it returns an error.
 #define OKP(function, ...) checkStatus(#function, function(__VA_ARGS__))
 
 // The same several times over: the Call, with its time, that a panel shows. A call that changes its input
 // must not be given one that is used later.
-#define OKP_TIMED(parameters, function, ...)                                           \
-    Call {                                                                             \
-#function, parameters, medianMicroseconds([&] { OKP(function, __VA_ARGS__); }) \
-    }
+#define OKP_TIMED(parameters, function, ...) \
+    timedCall(#function, parameters, [&] { OKP(function, __VA_ARGS__); })

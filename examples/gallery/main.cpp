@@ -16,7 +16,7 @@ void checkStatus(const char* function, okpStatus status) {
     if (status < 0) throw std::runtime_error(function + (" returned " + std::to_string(status)));
 }
 
-double medianMicroseconds(const std::function<void()>& work) {
+Call timedCall(const char* function, const char* parameters, const std::function<void()>& work) {
     using Clock = std::chrono::steady_clock;
     using Micro = std::chrono::duration<double, std::micro>;
     constexpr size_t enough = 31, few = 3;
@@ -32,7 +32,7 @@ double medianMicroseconds(const std::function<void()>& work) {
     }
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+    return {function, parameters, *middle};
 }
 
 // Gives a photograph of any size one that panels can count on: no side longer than 640 pixels nor shorter
