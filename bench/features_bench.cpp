@@ -21,14 +21,15 @@ Setup peaks(okpStatus (*f)(const T*, int32_t, RoiSize, T, PixelPoint*, int32_t, 
             for (int x = 8; x < size.width; x += 16) *src.at(x, y) = T(2000);
         }
         const int32_t capacity = size.width * size.height;
-        const Image<PixelPoint> list({capacity, 1});
+        const Image<int32_t> list({2 * capacity, 1});  // x and y of each peak
         const Image<int32_t> count({1, 1});
         int32_t bytes = 0;
         okpiFindPeaks3x3GetBufferSize_32f_C1R(size.width, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
         return Case{.reads = sizeof(T), .ours = [=] {
-                        return f(src.data(), src.step(), size, dense ? T(0) : T(1500), list.data(), capacity,
-                                 count.data(), norm, 1, buffer.data());
+                        return f(src.data(), src.step(), size, dense ? T(0) : T(1500),
+                                 reinterpret_cast<PixelPoint*>(list.data()), capacity, count.data(), norm, 1,
+                                 buffer.data());
                     }};
     };
 }
