@@ -9,16 +9,18 @@
 struct Gallery {
     Image8 color;  // the photograph, RGB
     Image8 gray;   // and its gray levels
+    Image8 coins;  // coins on a dark ground, gray, for operations on objects that can be counted
     Page page;
 };
 
 void addArithPanels(Gallery& gallery);
+void addGeometryPanels(Gallery& gallery);
 
 // Throws std::runtime_error when the status is an error. Warnings pass.
 void checkStatus(const char* function, okpStatus status);
 
 // Runs the work, which is a call of the function, several times; the median is its time.
-Call timedCall(const char* function, const char* parameters, const std::function<void()>& work);
+Call timedCall(const char* function, const std::string& parameters, const std::function<void()>& work);
 
 // Calls a function of the library and gives up when it returns an error.
 #define OKP(function, ...) checkStatus(#function, function(__VA_ARGS__))

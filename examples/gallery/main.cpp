@@ -16,7 +16,7 @@ void checkStatus(const char* function, okpStatus status) {
     if (status < 0) throw std::runtime_error(function + (" returned " + std::to_string(status)));
 }
 
-Call timedCall(const char* function, const char* parameters, const std::function<void()>& work) {
+Call timedCall(const char* function, const std::string& parameters, const std::function<void()>& work) {
     using Clock = std::chrono::steady_clock;
     using Micro = std::chrono::duration<double, std::micro>;
     constexpr size_t enough = 31, few = 3;
@@ -65,9 +65,10 @@ int main(int argc, char** argv) {
         const Image8 photo = readPng(photoPath.string());
         std::filesystem::create_directories(folder);
 
-        Gallery gallery{fitted(photo), {}, Page(folder)};
+        Gallery gallery{fitted(photo), {}, toGray(readPng(EXAMPLE_IMAGES "/coins.png")), Page(folder)};
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
+        addGeometryPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
         if (dimensions(photo) != dimensions(gallery.color)) {
