@@ -120,6 +120,7 @@ class SpeckleMarker {
           scratch_(scratch) {}
 
     void mark(int32_t maxSize) {
+        if (maxSize < 1) return;
         for (int32_t y = 0; y < size_.height; ++y) {
             if (y == 0) {
                 compareRow<false>(y);
@@ -141,8 +142,8 @@ class SpeckleMarker {
     void compareRow(int32_t y) {
         const T* const row = image_.row(y);
         const T* const above = kHasAbove ? image_.row(y - 1) : row;
-        const auto same = [this, speckle = broadcast(speckleValue_)](auto* from) {
-            return [=](int64_t x, auto extent) { return laneBits(equal(load(from + x, extent), speckle)); };
+        const auto isSpeckle = [row, speckle = broadcast(speckleValue_)](int64_t x, auto extent) {
+            return laneBits(equal(load(row + x, extent), speckle));
         };
         const auto similarToLeft = [this, row](int64_t x, auto extent) {
             return similar_(load(row + x, extent), load(row + x - 1, extent));
@@ -158,7 +159,7 @@ class SpeckleMarker {
             const int64_t x = i * kWordBits;
             const int rest = static_cast<int>(std::min<int64_t>(size_.width - x, kWordBits));
             const uint64_t inRow = ~uint64_t{0} >> (kWordBits - rest);
-            const uint64_t valid = ~rowWord<kLanes>(x, size_.width, same(row)) & inRow;
+            const uint64_t valid = ~rowWord<kLanes>(x, size_.width, isSpeckle) & inRow;
             const uint64_t validLeft = valid << 1 | validBefore;
             // The first pixel of the row has no left neighbour; it begins a run anyway.
             const uint64_t similar =
