@@ -1,13 +1,13 @@
 // Labelling: every connected group of marked pixels gets a label, in raster order of the groups' first
 // pixels.
 //
-// Two scans over runs (He, Chao, Suzuki, "A Run-Based Two-Scan Labeling Algorithm", 2008; Wu, Otoo, Suzuki,
-// "Optimizing Two-Pass Connected-Component Labeling Algorithms", 2009). The first turns the image into bits
-// and joins each run with those it touches in the row above, in a forest over the runs' numbers in which
-// every parent precedes its children. So the root of a group is its first run, and one pass in ascending
-// order numbers the groups in raster order. The second scan lists the runs of the bits again and paints them.
+// Two scans over runs (He, Chao, Suzuki, "A Run-Based Two-Scan Labeling Algorithm", 2008). The first turns
+// the image into bits and joins each run with those it touches in the row above, in a forest whose roots are
+// the first runs of the groups; one pass over the runs then numbers the groups in raster order. The second
+// lists the runs of the bits and paints them.
 //
-// Sparse noise is bound by mispredicted branches, a few per run; everything else by writing the labels.
+// Bound by writing the labels; in noise by the mispredicted branches of the forest and of ever new run
+// lengths.
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -16,6 +16,7 @@
 #include "core/area.h"
 #include "core/cache.h"
 #include "core/checks.h"
+#include "segment/run_forest.h"
 #include "segment/scan_fill.h"
 
 namespace okpcv {
@@ -26,11 +27,12 @@ class Labels {
   public:
     Labels(int32_t first, int32_t last) : first_(first), last_(last), next_(first) {}
 
-    int32_t take() {
-        const int32_t label = next_;
-        next_ = label < last_ ? label + 1 : first_;
-        ++taken_;
-        return label;
+    int32_t next() const { return next_; }
+    // Takes the next label, or not. Free of branches: whether a run begins a group is hard to predict.
+    void takeIf(bool taken) {
+        const int32_t following = next_ < last_ ? next_ + 1 : first_;
+        next_ = taken ? following : next_;
+        taken_ += taken ? 1 : 0;
     }
     int32_t taken() const { return static_cast<int32_t>(taken_); }
 
@@ -40,92 +42,75 @@ class Labels {
 };
 
 struct Scratch {
-    uint64_t* words;   // a bit for every pixel, set where it is marked
-    int32_t* parents;  // by number of run, in raster order: a run of the same group that is not behind it
-    int32_t* runs[2];  // begin and end of every run of two rows, and a pair that lies behind the row
+    uint64_t* words;  // a bit for every pixel, set where it is marked
+    int32_t* links;   // the forest; then the label of each run
+    int32_t* edges;   // begin and end of every run of a row
 };
 
-int64_t mostRuns(int64_t width) {
-    return (width + 1) / 2;
-}
-
 Scratch layOut(Area& area, Size size) {
+    const int64_t mostRuns = (size.width + 1) / 2;
     Scratch scratch;
     scratch.words = area.take<uint64_t>(wordsPerRow(size.width) * size.height);
-    scratch.parents = area.take<int32_t>(mostRuns(size.width) * size.height);
-    for (int32_t*& runs : scratch.runs) runs = area.take<int32_t>(2 * (mostRuns(size.width) + 1));
+    scratch.links = area.take<int32_t>(mostRuns * size.height);
+    scratch.edges = area.take<int32_t>(2 * mostRuns);
     return scratch;
 }
 
+// Joins the runs of a row, numbered from `first` on, with those of the row above.
+template <Connectivity kConnectivity>
+void joinRow(RunForest forest, const uint64_t* row, int32_t first, const uint64_t* above, int32_t firstAbove,
+             int64_t words) {
+    RowJoiner joiner(forest, first, firstAbove);
+    uint64_t before = 0, beforeAbove = 0;  // the pixels to the left, in bit 0
+    for (int64_t i = 0; i < words; ++i) {
+        const uint64_t here = row[i];
+        const uint64_t up = above[i];
+        const uint64_t left = here << 1 | before;
+        const uint64_t upLeft = up << 1 | beforeAbove;
+        before = here >> (kWordBits - 1);
+        beforeAbove = up >> (kWordBits - 1);
+        const uint64_t begins = here & ~left;
+        const uint64_t beginsAbove = up & ~upLeft;
+        // Each touching pair once, where the later of the two begins.
+        const uint64_t pairs = kConnectivity == Connectivity::Four
+                                   ? (begins & up) | (beginsAbove & here & left)
+                                   : (begins & (up | upLeft)) | (beginsAbove & left);
+        joiner.joinWord(pairs, begins, beginsAbove);
+    }
+}
+
 // Lists the begin and the end of every run of a row's bits; returns how many there are.
-int32_t listRuns(const uint64_t* words, int32_t width, int32_t* runs) {
-    int32_t* edge = runs;
+int32_t listRuns(const uint64_t* words, int32_t width, int32_t* edges) {
+    int32_t* edge = edges;
     uint64_t before = 0;
     for (int64_t x = 0; x < width; x += kWordBits) {
         const uint64_t word = words[x / kWordBits];
-        for (uint64_t edges = word ^ (word << 1 | before); edges != 0; edges &= edges - 1)
-            *edge++ = static_cast<int32_t>(x) + std::countr_zero(edges);
+        for (uint64_t bits = word ^ (word << 1 | before); bits != 0; bits &= bits - 1)
+            *edge++ = static_cast<int32_t>(x) + std::countr_zero(bits);
         before = word >> (kWordBits - 1);
     }
     if (before != 0) *edge++ = width;
-    edge[0] = edge[1] = INT32_MAX;
-    return static_cast<int32_t>(edge - runs) / 2;
+    return static_cast<int32_t>(edge - edges) / 2;
 }
 
-// The root of a run's group; the path to it is halved on the way.
-int32_t findRoot(int32_t* parents, int32_t run) {
-    while (parents[run] != run) run = parents[run] = parents[parents[run]];
-    return run;
-}
-
-// Joins the `count` runs of a row, numbered from `number` on, with those above, numbered from `numberAbove`
-// on.
-template <Connectivity kConnectivity>
-void joinRuns(const int32_t* runs, int32_t count, int32_t number, const int32_t* above, int32_t numberAbove,
-              int32_t* parents) {
-    constexpr int32_t reach = kConnectivity == Connectivity::Eight ? 1 : 0;
-    for (int32_t i = 0; i < count; ++i, ++number) {
-        const int32_t begin = runs[2 * i] - reach;
-        const int32_t end = runs[2 * i + 1] + reach;
-        while (above[1] <= begin) above += 2, ++numberAbove;
-        if (above[0] >= end) {
-            parents[number] = number;
-            continue;
-        }
-        int32_t root = findRoot(parents, numberAbove);
-        // The last run above that is touched may touch the next run, too.
-        while (above[2] < end) {
-            above += 2;
-            const int32_t other = findRoot(parents, ++numberAbove);
-            const int32_t first = std::min(root, other);
-            parents[std::max(root, other)] = first;
-            root = first;
-        }
-        parents[number] = root;
-    }
-}
-
-// Writes a row of labels on a background of 0. Whole vectors are stored from left to right, each over what
-// the one before it wrote too far.
+// Writes a row of labels on a background of 0.
 template <class T>
-void paintRow(T* row, int32_t width, const int32_t* runs, int32_t count, const int32_t* labels) {
+void paintRow(T* row, int32_t width, const int32_t* edges, int32_t count, const int32_t* labels) {
     constexpr int lanes = Vec<T>::lanes;
-    const auto paint = [=](int64_t from, int64_t to, Vec<T> value) {
-        for (int64_t x = from; x < to; x += lanes) {
-            if (width - x >= lanes) {
-                store(row + x, value);
-            } else {
-                store(row + x, value, Part{static_cast<int>(width - x)});
-            }
-        }
-    };
-    int32_t end = 0;
+    fillPixels<T, 1>(row, width, Pixels<T, 1>{zeros<T>()});
     for (int32_t i = 0; i < count; ++i) {
-        paint(end, runs[2 * i], zeros<T>());
-        end = runs[2 * i + 1];
-        paint(runs[2 * i], end, broadcast(static_cast<T>(labels[i])));
+        const Vec<T> label = broadcast(static_cast<T>(labels[i]));
+        int32_t x = edges[2 * i];
+        const int32_t end = edges[2 * i + 1];
+        for (; end - x > lanes; x += lanes) store(row + x, label);
+        // The rest in one store, which clears pixels behind the run: they are background, or painted later.
+        const Vec<T> rest = label & less(laneNumbers<T>(), broadcast(static_cast<T>(end - x)));
+        if (width - x >= lanes) {
+            store(row + x, rest);
+        } else {
+            store(row + x, rest, Part{width - x});
+        }
     }
-    paint(end, width, zeros<T>());
 }
 
 // `dst` may be `src`. With a staging row, finished rows are stored past the caches.
@@ -134,38 +119,44 @@ void labelRuns(Image<const S> src, Image<T> dst, RoiSize size, const Scratch& sc
                Labels& labels) {
     constexpr int lanes = Vec<S>::lanes;
     const int64_t rowWords = wordsPerRow(size.width);
+    RunForest forest(scratch.links);
 
-    int32_t* here = scratch.runs[0];
-    int32_t* above = scratch.runs[1];
-    above[0] = above[1] = INT32_MAX;
-    int32_t number = 0, numberAbove = 0;
+    int32_t runs = 0, runsAbove = 0;  // before the row and before the one above
     uint64_t* words = scratch.words;
     for (int32_t y = 0; y < size.height; ++y, words += rowWords) {
         const auto marked = [row = src.row(y)](int64_t x, auto extent) {
             return ~laneBits(equal(load(row + x, extent), zeros<S>())) & lowBits(lanes);
         };
-        for (int64_t i = 0; i < rowWords; ++i) words[i] = rowWord<lanes>(i * kWordBits, size.width, marked);
-
-        const int32_t count = listRuns(words, size.width, here);
-        joinRuns<kConnectivity>(here, count, number, above, numberAbove, scratch.parents);
-        std::swap(here, above);
-        numberAbove = number;
-        number += count;
+        int32_t count = 0;
+        uint64_t before = 0;
+        for (int64_t i = 0; i < rowWords; ++i) {
+            const uint64_t word = rowWord<lanes>(i * kWordBits, size.width, marked);
+            words[i] = word;
+            count += std::popcount(word & ~(word << 1 | before));
+            before = word >> (kWordBits - 1);
+        }
+        for (int32_t i = 0; i < count; ++i) scratch.links[runs + i] = -1;
+        if (y > 0) {
+            joinRow<kConnectivity>(forest, words, runs, words - rowWords, runsAbove, rowWords);
+        }
+        runsAbove = runs;
+        runs += count;
     }
 
-    // A parent precedes its children, so it already has its label in place of its own parent.
-    int32_t* const groups = scratch.parents;
-    for (int32_t run = 0; run < number; ++run)
-        groups[run] = groups[run] == run ? labels.take() : groups[groups[run]];
+    forest.resolve(runs, [&labels](int64_t, bool isRoot) {
+        const int32_t label = labels.next();
+        labels.takeIf(isRoot);
+        return label;
+    });
 
-    const int32_t* runLabels = groups;
+    const int32_t* runLabels = scratch.links;
     words = scratch.words;
     for (int32_t y = 0; y < size.height; ++y, words += rowWords) {
-        const int32_t count = listRuns(words, size.width, here);
+        const int32_t count = listRuns(words, size.width, scratch.edges);
         if (staging == nullptr) {
-            paintRow(dst.row(y), size.width, here, count, runLabels);
+            paintRow(dst.row(y), size.width, scratch.edges, count, runLabels);
         } else {
-            paintRow(staging, size.width, here, count, runLabels);
+            paintRow(staging, size.width, scratch.edges, count, runLabels);
             const auto copy = [](auto extent, T* out, const T* in) { store(out, load(in, extent), extent); };
             mapRowsStreamed<Vec<T>::lanes>({size.width, 1}, copy, Image<T>{dst.row(y), dst.step},
                                            Image<const T>{staging, dst.step});
@@ -184,7 +175,8 @@ void labelByFilling(Image<const S> src, Image<T> dst, RoiSize size, uint8_t* pBu
         for (int32_t x = 0; x < size.width; ++x) {
             if (dst.row(y)[x] != kLargest<T>) continue;
             ValueRegion region(dst, size.width, EqualTo(Pixel<T, 1>{kLargest<T>}),
-                               Pixel<T, 1>{static_cast<T>(labels.take())});
+                               Pixel<T, 1>{static_cast<T>(labels.next())});
+            labels.takeIf(true);
             SegmentStack stack(pBuffer, fillBufferBytes(size));
             scanFill<kConnectivity>(size, {x, y}, stack, region);
         }

@@ -4,9 +4,9 @@
 //
 // Whether two neighbours are similar does not depend on which is reached first, so the regions are the
 // components of a graph whose edges join similar neighbours. Comparisons of whole rows give bits: which
-// pixels begin a run of horizontally joined pixels, and which are joined with the pixel above. Runs are the
-// nodes of a forest that is joined where the bits say so, once per pair of touching runs. Smooth images are
-// bound by the comparisons, noise by mispredicted branches, a few per run.
+// pixels begin a run of horizontally joined pixels, and which are joined with the pixel above. The runs are
+// the nodes of a forest. Smooth images are bound by the comparisons, noise by the runs, which are hardly
+// longer than a pixel.
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -17,6 +17,7 @@
 #include "core/numbers.h"
 #include "okpcv/segment.h"
 #include "segment/pixel_bits.h"
+#include "segment/run_forest.h"
 
 namespace okpcv {
 namespace {
@@ -62,51 +63,29 @@ class AtMost<float> {
     Vec<float> limit_;
 };
 
-// A run of pixels that are joined to their left neighbours. Runs follow each other in raster order and cover
-// the rows, so one ends where the next begins.
-struct Node {
-    int32_t begin;
-    int32_t link;  // the number of a node before it in the same region, or minus the region's pixels
-};
-// Pixels of the speckle value stand apart. Their runs count as larger than any limit.
+// Pixels of the speckle value stand apart: their runs weigh more than any limit allows.
 constexpr int32_t kNoRegion = INT32_MIN;
 
+// Runs of pixels that are joined to their left neighbours cover the rows, so one ends where the next begins.
 struct Scratch {
-    Node* nodes;
+    int32_t* begins;  // of every run
+    int32_t* links;   // the forest, weighed in pixels; then whether each run is a speckle
     // Bits of a row: where runs begin, in this row and the one above; where pixels have another value than
-    // the speckles, in the latest row; and where a run touches another one of the row above for the first
+    // the speckles, in the latest row; and where two runs, one above the other, are joined for the first
     // time.
-    uint64_t *begins, *beginsAbove, *valid, *touches;
+    uint64_t *beginBits, *beginBitsAbove, *valid, *pairs;
 };
 
 Scratch layOut(Area& area, Size size) {
     const int64_t words = wordsPerRow(size.width);
     Scratch scratch;
-    scratch.nodes = area.take<Node>(size.width * size.height + 1);
-    scratch.begins = area.take<uint64_t>(words);
-    scratch.beginsAbove = area.take<uint64_t>(words);
+    scratch.begins = area.take<int32_t>(size.width * size.height + 1);
+    scratch.links = area.take<int32_t>(size.width * size.height);
+    scratch.beginBits = area.take<uint64_t>(words);
+    scratch.beginBitsAbove = area.take<uint64_t>(words);
     scratch.valid = area.take<uint64_t>(words);
-    scratch.touches = area.take<uint64_t>(words);
+    scratch.pairs = area.take<uint64_t>(words);
     return scratch;
-}
-
-int32_t findRoot(Node* nodes, int32_t node) {
-    while (nodes[node].link >= 0) {
-        const int32_t next = nodes[node].link;
-        if (nodes[next].link >= 0) nodes[node].link = nodes[next].link;
-        node = next;
-    }
-    return node;
-}
-
-void join(Node* nodes, int32_t a, int32_t b) {
-    a = findRoot(nodes, a);
-    b = findRoot(nodes, b);
-    if (a == b) return;
-    const int32_t first = std::min(a, b);
-    const int32_t second = std::max(a, b);
-    nodes[first].link += nodes[second].link;
-    nodes[second].link = first;
 }
 
 template <class T>
@@ -115,128 +94,123 @@ class SpeckleMarker {
     SpeckleMarker(Image<T> image, RoiSize size, T speckleValue, T maxDifference, const Scratch& scratch)
         : image_(image),
           size_(size),
+          words_(wordsPerRow(size.width)),
           speckleValue_(speckleValue),
           similar_(maxDifference),
           scratch_(scratch) {}
 
     void mark(int32_t maxSize) {
         if (maxSize < 1) return;
+        int32_t first = 0, firstAbove = 0;  // the numbers of the rows' first runs
         for (int32_t y = 0; y < size_.height; ++y) {
-            if (y == 0) {
-                compareRow<false>(y);
-            } else {
-                compareRow<true>(y);
-                joinRow();
-            }
-            std::swap(scratch_.begins, scratch_.beginsAbove);
+            const int32_t end = y == 0 ? compareRow<false>(y, first) : compareRow<true>(y, first);
+            if (y > 0) joinRow(first, firstAbove);
+            std::swap(scratch_.beginBits, scratch_.beginBitsAbove);
+            firstAbove = first;
+            first = end;
         }
-        scratch_.nodes[count_].begin = 0;
-        overwrite(maxSize);
+        // As if another row followed.
+        scratch_.begins[first] = 0;
+        overwrite(first, maxSize);
     }
 
   private:
     static constexpr int kLanes = Vec<T>::lanes;
 
-    // The bits of a row, its nodes, and their pixels as links.
+    // Finds the bits of a row and its runs, which are numbered from `first` on. Returns the number behind
+    // them.
     template <bool kHasAbove>
-    void compareRow(int32_t y) {
+    int32_t compareRow(int32_t y, int32_t first) {
         const T* const row = image_.row(y);
         const T* const above = kHasAbove ? image_.row(y - 1) : row;
         const auto isSpeckle = [row, speckle = broadcast(speckleValue_)](int64_t x, auto extent) {
             return laneBits(equal(load(row + x, extent), speckle));
         };
-        const auto similarToLeft = [this, row](int64_t x, auto extent) {
-            return similar_(load(row + x, extent), load(row + x - 1, extent));
+        const auto similarToRight = [row, similar = similar_](int64_t x, auto extent) {
+            return similar(load(row + x, extent), load(row + x + 1, extent));
         };
-        const auto similarToAbove = [this, row, above](int64_t x, auto extent) {
-            return similar_(load(row + x, extent), load(above + x, extent));
+        const auto similarToAbove = [row, above, similar = similar_](int64_t x, auto extent) {
+            return similar(load(row + x, extent), load(above + x, extent));
         };
 
-        firstAbove_ = first_;
-        first_ = count_;
-        uint64_t validBefore = 0, upBefore = 0;  // of the pixel to the left, in bit 0
-        for (int64_t i = 0; i < wordsPerRow(size_.width); ++i) {
+        int32_t end = first;
+        uint64_t before = 0, similarBefore = 0, pairBefore = 0;  // of the pixel to the left, in bit 0
+        for (int64_t i = 0; i < words_; ++i) {
             const int64_t x = i * kWordBits;
             const int rest = static_cast<int>(std::min<int64_t>(size_.width - x, kWordBits));
             const uint64_t inRow = ~uint64_t{0} >> (kWordBits - rest);
             const uint64_t valid = ~rowWord<kLanes>(x, size_.width, isSpeckle) & inRow;
-            const uint64_t validLeft = valid << 1 | validBefore;
-            // The first pixel of the row has no left neighbour; it begins a run anyway.
-            const uint64_t similar =
-                x == 0
-                    ? rowWord<kLanes>(0, size_.width - 1,
-                                      [&](int64_t at, auto extent) { return similarToLeft(at + 1, extent); })
-                          << 1
-                    : rowWord<kLanes>(x, size_.width, similarToLeft);
-            const uint64_t joined = (valid & validLeft & similar) | ~(valid | validLeft);
-            const uint64_t begins = (x == 0 ? ~joined | 1 : ~joined) & inRow;
-            for (uint64_t bits = begins; bits != 0; bits &= bits - 1) {
-                const int at = std::countr_zero(bits);
-                addNode(static_cast<int32_t>(x) + at, (valid >> at & 1) != 0);
-            }
+            const uint64_t toRight = rowWord<kLanes>(x, size_.width - 1, similarToRight);
+            const uint64_t left = valid << 1 | before;
+            const uint64_t joined = (valid & left & (toRight << 1 | similarBefore)) | ~(valid | left);
+            const uint64_t begins = (i == 0 ? ~joined | 1 : ~joined) & inRow;
             if constexpr (kHasAbove) {
                 const uint64_t up =
                     valid & scratch_.valid[i] & rowWord<kLanes>(x, size_.width, similarToAbove);
-                const uint64_t continued = (up << 1 | upBefore) & ~begins & ~scratch_.beginsAbove[i];
-                scratch_.touches[i] = up & ~continued;
-                upBefore = up >> (kWordBits - 1);
+                const uint64_t sameRuns = ~begins & ~scratch_.beginBitsAbove[i];
+                scratch_.pairs[i] = up & ~((up << 1 | pairBefore) & sameRuns);
+                pairBefore = up >> (kWordBits - 1);
             }
-            scratch_.begins[i] = begins;
+            for (uint64_t bits = begins; bits != 0; bits &= bits - 1)
+                scratch_.begins[end++] = static_cast<int32_t>(x) + std::countr_zero(bits);
+            scratch_.beginBits[i] = begins;
             scratch_.valid[i] = valid;
-            validBefore = valid >> (kWordBits - 1);
+            before = valid >> (kWordBits - 1);
+            similarBefore = toRight >> (kWordBits - 1);
         }
-        closeNode(size_.width);
+        weigh(first, end);
+        return end;
     }
 
-    void addNode(int32_t x, bool valid) {
-        if (count_ > first_) closeNode(x);
-        scratch_.nodes[count_++] = {x, valid ? 0 : kNoRegion};
-    }
-    void closeNode(int32_t end) {
-        Node& node = scratch_.nodes[count_ - 1];
-        if (node.link == 0) node.link = node.begin - end;
-    }
+    void weigh(int32_t first, int32_t end) {
+        const int32_t* const begins = scratch_.begins;
+        for (int32_t run = first; run + 1 < end; ++run) scratch_.links[run] = begins[run] - begins[run + 1];
+        scratch_.links[end - 1] = begins[end - 1] - size_.width;
 
-    // Joins runs of the row with those above that they touch.
-    void joinRow() {
-        // The number of a pixel's run is the number of begins up to it.
-        int32_t before = first_ - 1, beforeAbove = firstAbove_ - 1;
-        for (int64_t i = 0; i < wordsPerRow(size_.width); ++i) {
-            const uint64_t begins = scratch_.begins[i];
-            const uint64_t beginsAbove = scratch_.beginsAbove[i];
-            for (uint64_t bits = scratch_.touches[i]; bits != 0; bits &= bits - 1) {
-                const uint64_t upTo = bits ^ (bits - 1);
-                join(scratch_.nodes, before + std::popcount(begins & upTo),
-                     beforeAbove + std::popcount(beginsAbove & upTo));
-            }
-            before += std::popcount(begins);
-            beforeAbove += std::popcount(beginsAbove);
+        int32_t run = first;
+        for (int64_t i = 0; i < words_; ++i) {
+            const uint64_t bits = scratch_.beginBits[i];
+            for (uint64_t apart = bits & ~scratch_.valid[i]; apart != 0; apart &= apart - 1)
+                scratch_.links[run + std::popcount(bits & (apart ^ (apart - 1))) - 1] = kNoRegion;
+            run += std::popcount(bits);
         }
     }
 
-    // A link refers to a node before, whose own link has by then been replaced by whether it is a speckle.
-    void overwrite(int32_t maxSize) {
-        const Pixels<T, 1> speckles = Pixels<T, 1>::repeated({speckleValue_});
-        Node* const nodes = scratch_.nodes;
-        int32_t y = -1;
-        for (int32_t i = 0; i < count_; ++i) {
-            Node& node = nodes[i];
-            if (node.begin == 0) ++y;
-            node.link = node.link >= 0 ? nodes[node.link].link : -int64_t{node.link} <= maxSize ? 1 : 0;
-            if (node.link == 0) continue;
-            const int32_t next = nodes[i + 1].begin;
-            const int32_t end = next == 0 ? size_.width : next;
-            fillPixels<T, 1>(image_.row(y) + node.begin, end - node.begin, speckles);
+    void joinRow(int32_t first, int32_t firstAbove) {
+        RowJoiner joiner(RunForest(scratch_.links), first, firstAbove);
+        for (int64_t i = 0; i < words_; ++i)
+            joiner.joinWord(scratch_.pairs[i], scratch_.beginBits[i], scratch_.beginBitsAbove[i]);
+    }
+
+    void overwrite(int32_t runs, int32_t maxSize) {
+        RunForest(scratch_.links).resolve(runs, [maxSize](int64_t pixels, bool) {
+            return pixels <= maxSize ? 1 : 0;
+        });
+        // Speckles side by side are written at once.
+        const auto speckles = Pixels<T, 1>::repeated({speckleValue_});
+        const int32_t* const begins = scratch_.begins;
+        for (int32_t y = 0, run = 0; y < size_.height; ++y) {
+            int32_t from = -1;  // where the speckles that have begun began
+            do {
+                const bool isSpeckle = scratch_.links[run] != 0;
+                if (isSpeckle == (from >= 0)) continue;
+                if (isSpeckle) {
+                    from = begins[run];
+                } else {
+                    fillPixels<T, 1>(image_.row(y) + from, begins[run] - from, speckles);
+                    from = -1;
+                }
+            } while (begins[++run] != 0);
+            if (from >= 0) fillPixels<T, 1>(image_.row(y) + from, size_.width - from, speckles);
         }
     }
 
     Image<T> image_;
     RoiSize size_;
+    int64_t words_;
     T speckleValue_;
     AtMost<T> similar_;
     Scratch scratch_;
-    int32_t count_ = 0;                   // nodes
-    int32_t first_ = 0, firstAbove_ = 0;  // numbers of the first nodes of the latest row and the one above
 };
 
 template <class T>
