@@ -57,46 +57,39 @@ int64_t stackLimit(RoiSize size) {
     return entries == 0 ? INT64_MAX : entries == 1 ? 0 : entries;
 }
 
-// False only where the size query's number wraps.
+// False only where the size query's number wraps; then no more than the seed's run is filled.
 bool mapFits(RoiSize size) {
-    return int64_t{size.width} * size.height <= fillBufferBytes(size);
+    return PixelMap::words(size) < int64_t{fillBufferBytes(size)} / int64_t{sizeof(uint64_t)};
 }
 
-// A new value inside the interval does not tell taken pixels from others. The fill then runs on a map of the
-// pixels inside the interval, and what it reached is copied to the image.
-template <class T, int C, Connectivity kConnectivity>
-FilledRegion fillByMap(Image<T, C> image, RoiSize size, PixelPoint seed, const Interval<T, C>& interval,
-                       const Pixel<T, C>& newValue, uint8_t* pBuffer) {
-    constexpr uint8_t kInside = 1, kReached = 2;
-    constexpr int lanes = Vec<T>::lanes;
-    const Within<T, C> members = interval.members();
-    const auto newValues = Pixels<T, C>::repeated(newValue);
+// The rule of a map: pixels in the interval belong, whatever pixels see them.
+template <class T, int C>
+class InInterval {
+  public:
+    static constexpr int kLanes = Vec<T>::lanes;
+    static constexpr int32_t kRejectedBeyond = 1;
 
-    const Image<uint8_t> map{pBuffer, size.width};
-    const int64_t mapBytes = int64_t{size.width} * size.height;
-    SegmentStack stack(pBuffer + mapBytes, fillBufferBytes(size) - mapBytes, stackLimit(size));
+    InInterval(Image<const T, C> image, int32_t width, const Within<T, C>& members)
+        : image_(image), width_(width), members_(members) {}
 
-    const auto markRow = [&](int32_t y) {
-        const auto mark = [&](auto extent, int32_t x, int count) {
-            const T* const p = image.row(y) + int64_t{x} * C;
-            const uint32_t bits = pixelBits<T, C>(members(Pixels<T, C>::load(p, extent)));
-            for (int i = 0; i < count; ++i) map.row(y)[x + i] = (bits >> i & 1) != 0 ? kInside : 0;
-        };
-        int32_t x = 0;
-        for (; size.width - x >= lanes; x += lanes) mark(Whole{}, x, lanes);
-        mark(Part{(size.width - x) * C}, x, size.width - x);
-    };
-    for (int32_t y = 0; y < size.height; ++y) markRow(y);
-
-    ValueRegion region(map, size.width, EqualTo(Pixel<uint8_t, 1>{kInside}), Pixel<uint8_t, 1>{kReached});
-    const FilledRegion filled = scanFill<kConnectivity>(size, seed, stack, region);
-    for (int32_t y = 0; y < size.height; ++y) {
-        for (int32_t x = 0; x < size.width; ++x) {
-            if (map.row(y)[x] == kReached) fillPixels<T, C>(image.row(y) + int64_t{x} * C, 1, newValues);
-        }
+    OKPCV_INLINE uint32_t follow(int32_t y, int32_t x, int32_t, int count) const {
+        const T* const p = image_.row(y) + int64_t{x} * C;
+        return lowBits(count) & (width_ - x >= kLanes ? compare(p, Whole{}) : compare(p, Part{count * C}));
     }
-    return filled;
-}
+    OKPCV_INLINE uint32_t reached(int32_t y, int32_t x, int count, int32_t, Span) const {
+        return follow(y, x, x, count);
+    }
+
+  private:
+    template <class Extent>
+    OKPCV_INLINE uint32_t compare(const T* p, Extent extent) const {
+        return pixelBits<T, C>(members_(Pixels<T, C>::load(p, extent)));
+    }
+
+    Image<const T, C> image_;
+    int32_t width_;
+    Within<T, C> members_;
+};
 
 template <class T, int C, Connectivity kConnectivity>
 okpStatus floodFillRange(Image<T, C> image, RoiSize size, PixelPoint seed, const T* newVal, const T* minDelta,
@@ -107,13 +100,21 @@ okpStatus floodFillRange(Image<T, C> image, RoiSize size, PixelPoint seed, const
     const auto newValue = Pixel<T, C>::at(newVal);
     const Interval<T, C> interval(Pixel<T, C>::at(image.row(seed.y) + int64_t{seed.x} * C), minDelta,
                                   maxDelta);
-    const bool needsMap = interval.contains(newValue);
+    const Within<T, C> members = interval.members();
+    const int64_t bytes = fillBufferBytes(size);
+    const int64_t limit = stackLimit(size);
     FilledRegion filled;
-    if (needsMap && mapFits(size)) {
-        filled = fillByMap<T, C, kConnectivity>(image, size, seed, interval, newValue, pBuffer);
+    if (!interval.contains(newValue)) {
+        ValueRegion region(image, size.width, members, newValue);
+        SegmentStack stack(pBuffer, bytes, limit);
+        filled = scanFill<kConnectivity>(size, seed, stack, region);
+    } else if (mapFits(size)) {
+        // A new value inside the interval does not tell taken pixels from others.
+        const InInterval<T, C> rule(image, size.width, members);
+        filled = fillMapped<kConnectivity>(image, size, seed, rule, newValue, pBuffer, bytes, limit);
     } else {
-        ValueRegion region(image, size.width, interval.members(), newValue);
-        SegmentStack stack(pBuffer, fillBufferBytes(size), needsMap ? 0 : stackLimit(size));
+        ValueRegion region(image, size.width, members, newValue);
+        SegmentStack stack(pBuffer, 0);
         filled = scanFill<kConnectivity>(size, seed, stack, region);
     }
     *pRegion = regionRecord(filled, newValue);

@@ -82,6 +82,26 @@ OKPCV_INLINE void fillPixels(T* row, int32_t count, const Pixels<T, C>& pixels) 
     mapRow<C * lanes>(int64_t{count} * C, kernel, row);
 }
 
+// Writes the value that `pixels` repeats to those of as many pixels as a vector has lanes, or of fewer, whose
+// bits are set. The others are written as they were.
+template <class T, int C>
+OKPCV_INLINE void writePixels(T* p, int32_t count, uint32_t bits, const Pixels<T, C>& pixels) {
+    const Vec<T> mask = laneMask<T>(bits);
+    Pixels<T, C> masks{mask};
+    if constexpr (C == 3) {
+        const Channels3<T> triples = interleave3(mask, mask, mask);
+        masks = {triples.c0, triples.c1, triples.c2};
+    }
+    const auto write = [&](auto extent) {
+        for (int i = 0; i < C; ++i) {
+            T* const to = p + i * Vec<T>::lanes;
+            const auto part = extent.from(i * Vec<T>::lanes);
+            store(to, select(masks.part[i], pixels.part[i], load(to, part)), part);
+        }
+    };
+    count < Vec<T>::lanes ? write(Part{count * C}) : write(Whole{});
+}
+
 // A word of bits, one per pixel from x on: bits(x, extent) gives those of a vector. Beyond the row they are
 // 0.
 inline constexpr int kWordBits = 64;

@@ -96,13 +96,12 @@ struct FilledRegion {
     }
 };
 
-// Fills from the seed. The region takes pixels and writes them:
+// Fills from the seed. The region takes pixels:
 //     seedRun(seed)                             takes the seed and its run, and returns the run
 //     takeRuns(row, span, fromRow, from, found) takes the runs of `row` that reach into `span` and are
 //     reached
 //                                               from the pixels `from` of `fromRow`; calls found(run) for
 //                                               each
-//     leave(row, span)                          is called when both rows beside a run have been searched
 //     kRejectedBeyond                           how many pixels beyond either end of a run are known to be no
 //                                               part of the region
 // The order of the calls is part of the contract: the result of a gradient fill depends on it.
@@ -118,40 +117,44 @@ FilledRegion scanFill(RoiSize size, PixelPoint seed, SegmentStack& stack, Region
         if constexpr (kConnectivity == Connectivity::Four) return span;
         return Span{std::max(span.left - 1, 0), span.right + (span.right < lastColumn ? 1 : 0)};
     };
-    const auto search = [&](int32_t row, Span where, int32_t fromRow, Span from) {
-        region.takeRuns(row, where, fromRow, from, [&](Span run) {
-            filled.area += run.length();
-            const Span back = reached(run);
-            const bool open = int64_t{from.left} - back.left > Region::kRejectedBeyond ||
-                              int64_t{back.right} - from.right > Region::kRejectedBeyond;
-            stack.push({row, run, fromRow - row, open});
-        });
-    };
-
-    if (lastRow > 0 && stack.capacity() > 0) {
-        // The seed's run has no parent: both rows beside it are searched in full. In the second of them the
-        // column beyond the run's right end counts as a search of its own.
-        const int32_t direction = seed.y == lastRow ? -1 : 1;
-        const Span around = reached(seedRun);
-        if (seed.y - direction >= 0 && seed.y - direction <= lastRow)
-            search(seed.y - direction, around, seed.y, seedRun);
-        search(seed.y + direction, {around.left, seedRun.right}, seed.y, seedRun);
-        if (around.right > seedRun.right)
-            search(seed.y + direction, {around.right, around.right}, seed.y, seedRun);
-    }
-    region.leave(seed.y, seedRun);
-
-    while (!stack.empty()) {
-        const Segment segment = stack.pop();
+    // The first run has no parent: both rows beside it are searched in full. In the second of them the column
+    // behind the run's right end counts as a search of its own.
+    Segment segment(seed.y, seedRun, seed.y == lastRow ? -1 : 1, true);
+    bool isFirst = true;
+    if (lastRow == 0 || stack.capacity() == 0) return filled;
+    for (;;) {
         const int32_t row = segment.row();
         const Span span = segment.span();
+        const Span around = reached(span);
+        const int32_t ahead = row - segment.direction();
+        const int32_t behind = row + segment.direction();
         filled.widen(row, span);
 
-        const int32_t ahead = row - segment.direction();
-        if (ahead >= 0 && ahead <= lastRow) search(ahead, reached(span), row, span);
-        // The parent's span itself is searched along: its pixels are taken, so nothing is found there.
-        if (segment.open()) search(row + segment.direction(), reached(span), row, span);
-        region.leave(row, span);
+        struct {
+            int32_t row;
+            Span where;
+        } searches[3];
+        int count = 0;
+        if (ahead >= 0 && ahead <= lastRow) searches[count++] = {ahead, around};
+        if (isFirst) {
+            isFirst = false;
+            searches[count++] = {behind, {around.left, span.right}};
+            if (around.right > span.right) searches[count++] = {behind, {around.right, around.right}};
+        } else if (segment.open()) {
+            // The parent's span is searched along, too: its pixels are taken, so nothing is found there.
+            searches[count++] = {behind, around};
+        }
+        for (int i = 0; i < count; ++i) {
+            region.takeRuns(searches[i].row, searches[i].where, row, span, [&](Span run) {
+                filled.area += run.length();
+                const Span back = reached(run);
+                const bool open = int64_t{span.left} - back.left > Region::kRejectedBeyond ||
+                                  int64_t{back.right} - span.right > Region::kRejectedBeyond;
+                stack.push({searches[i].row, run, row - searches[i].row, open});
+            });
+        }
+        if (stack.empty()) break;
+        segment = stack.pop();
     }
     return filled;
 }
@@ -197,8 +200,6 @@ class ValueRegion {
             x = run.right + 2;
         }
     }
-
-    void leave(int32_t, Span) {}
 
   private:
     static constexpr int kLanes = Vec<T>::lanes;
