@@ -69,7 +69,7 @@ Image<uint8_t> noise(RoiSize size, int percent) {
     Image<uint8_t> image(size);
     bench::Random random(9);
     for (int y = 0; y < size.height; ++y) {
-        for (int x = 0; x < size.width; ++x) *image.at(x, y) = random.between(0, 99) < percent ? 1 : 0;
+        for (int x = 0; x < size.width; ++x) *image.at(x, y) = random.between(0, 99) < percent ? 100 : 0;
     }
     return image;
 }
@@ -125,8 +125,11 @@ Setup fill(Rule rule, int connectivity, Picture picture, FillCall call) {
         rule == Rule::Gradient ? okpiFloodFillGetSize_Grad(size, &bytes) : okpiFloodFillGetSize(size, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
         const auto region = std::make_shared<ConnectedComp>();
-        // Wide enough for most of the natural picture, by steps or at once.
-        const int delta = inTwo || picture == Picture::Flat ? 0 : rule == Rule::Gradient ? 6 : 60;
+        // Wide enough for most of the natural picture, by steps or at once; nothing to the others.
+        const int delta = rule == Rule::Plain                 ? 0
+                          : inTwo || picture == Picture::Flat ? 2
+                          : rule == Rule::Gradient            ? 6
+                                                              : 60;
         const auto d = static_cast<T>(delta);
         const PixelPoint seed = seedOf(original, inTwo);
         const FillArguments<T, kChannels> arguments{image,     seed,   {250, 250, 250}, {d, d, d},

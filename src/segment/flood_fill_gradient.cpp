@@ -34,6 +34,13 @@ class Gradient {
     OKPCV_INLINE uint32_t follow(int32_t y, int32_t x, int32_t fromX, int count) const {
         return nearBits(y, x, y, fromX, count);
     }
+    OKPCV_INLINE bool allFollow(int32_t y, int32_t x, int32_t fromX) const {
+        const T* const candidates = pixel(y, x);
+        const T* const neighbours = pixel(y, fromX);
+        return allPixels<T, C>([&](int i) {
+            return compare(candidates + i * C * kLanes, neighbours + i * C * kLanes, Whole{});
+        });
+    }
     OKPCV_INLINE uint32_t reached(int32_t y, int32_t x, int count, int32_t fromRow, Span from) const {
         if constexpr (kConnectivity == Connectivity::Four) return nearBits(y, x, fromRow, x, count);
         uint32_t bits = 0;
@@ -54,15 +61,16 @@ class Gradient {
     OKPCV_INLINE uint32_t nearBits(int32_t y, int32_t x, int32_t fromY, int32_t fromX, int count) const {
         const T* const candidates = pixel(y, x);
         const T* const neighbours = pixel(fromY, fromX);
-        return lowBits(count) &
-               (width_ - std::max(x, fromX) >= kLanes ? compare(candidates, neighbours, Whole{})
-                                                      : compare(candidates, neighbours, Part{count * C}));
+        const auto near = width_ - std::max(x, fromX) >= kLanes
+                              ? compare(candidates, neighbours, Whole{})
+                              : compare(candidates, neighbours, Part{count * C});
+        return pixelBits<T, C>(near) & lowBits(count);
     }
     template <class Extent>
-    OKPCV_INLINE uint32_t compare(const T* candidates, const T* neighbours, Extent extent) const {
+    OKPCV_INLINE Pixels<T, C> compare(const T* candidates, const T* neighbours, Extent extent) const {
         const auto c = Pixels<T, C>::load(candidates, extent);
         const auto n = Pixels<T, C>::load(neighbours, extent);
-        return pixelBits<T, C>(c.map(isNear, n, minDelta_, maxDelta_));
+        return c.map(isNear, n, minDelta_, maxDelta_);
     }
     // n - minDelta <= c <= n + maxDelta. Saturation moves the bounds only beyond all values of the type.
     static OKPCV_INLINE Vec<T> isNear(Vec<T> c, Vec<T> n, Vec<T> minDelta, Vec<T> maxDelta) {

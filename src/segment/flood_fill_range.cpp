@@ -74,7 +74,12 @@ class InInterval {
 
     OKPCV_INLINE uint32_t follow(int32_t y, int32_t x, int32_t, int count) const {
         const T* const p = image_.row(y) + int64_t{x} * C;
-        return lowBits(count) & (width_ - x >= kLanes ? compare(p, Whole{}) : compare(p, Part{count * C}));
+        const auto inside = width_ - x >= kLanes ? compare(p, Whole{}) : compare(p, Part{count * C});
+        return pixelBits<T, C>(inside) & lowBits(count);
+    }
+    OKPCV_INLINE bool allFollow(int32_t y, int32_t x, int32_t) const {
+        const T* const p = image_.row(y) + int64_t{x} * C;
+        return allPixels<T, C>([&](int i) { return compare(p + i * C * kLanes, Whole{}); });
     }
     OKPCV_INLINE uint32_t reached(int32_t y, int32_t x, int count, int32_t, Span) const {
         return follow(y, x, x, count);
@@ -82,8 +87,8 @@ class InInterval {
 
   private:
     template <class Extent>
-    OKPCV_INLINE uint32_t compare(const T* p, Extent extent) const {
-        return pixelBits<T, C>(members_(Pixels<T, C>::load(p, extent)));
+    OKPCV_INLINE Pixels<T, C> compare(const T* p, Extent extent) const {
+        return members_(Pixels<T, C>::load(p, extent));
     }
 
     Image<const T, C> image_;

@@ -93,10 +93,11 @@ class PixelMap {
 };
 
 // Rule says what belongs to the region, as bits of up to kLanes pixels:
-//     follow(y, x, fromX, count)              which of the pixels (x, y), (x + 1, y), ... belong as those at
-//                                             (fromX, y), ... see them, which are their neighbours
-//     reached(y, x, count, fromRow, from)     which belong as the pixels `from` of the row beside them see
-//     them kRejectedBeyond                         as for scanFill()
+//     follow(y, x, fromX, count)              which of the pixels (x, y), (x + 1, y), ... belong when their
+//                                             neighbours (fromX, y), (fromX + 1, y), ... do
+//     allFollow(y, x, fromX)                  whether all of kUnrolled * kLanes pixels do
+//     reached(y, x, count, fromRow, from)     which belong as the pixels `from` of the row beside them do
+//     kRejectedBeyond                         as for scanFill()
 template <class Rule>
 class MappedRegion {
   public:
@@ -162,7 +163,11 @@ class MappedRegion {
         while (x + 1 < width_) {
             // As far as pixels are free.
             const int free = std::min(std::countr_zero(map_.takenFrom(y, x + 1)), width_ - 1 - x);
-            for (int tried = 0; tried < free;) {
+            int tried = 0;
+            for (; free - tried >= kUnrolled * kLanes && rule_.allFollow(y, x + 1, x);
+                 x += kUnrolled * kLanes)
+                tried += kUnrolled * kLanes;
+            while (tried < free) {
                 const int count = std::min(free - tried, kLanes);
                 const uint32_t others = ~rule_.follow(y, x + 1, x, count) & lowBits(count);
                 if (others != 0) return x + std::countr_zero(others);

@@ -72,6 +72,20 @@ OKPCV_INLINE uint32_t pixelBits(const Pixels<T, C>& mask) {
     }
 }
 
+// Long runs are compared this many vectors at a time.
+inline constexpr int kUnrolled = 4;
+
+// Whether all pixels are set in the results of compare(0), compare(1), ..., one for each vector of pixels.
+template <class T, int C, class Compare>
+OKPCV_INLINE bool allPixels(const Compare& compare) {
+    Vec<T> all = ~zeros<T>();
+    for (int i = 0; i < kUnrolled; ++i) {
+        const Pixels<T, C> mask = compare(i);
+        for (int c = 0; c < C; ++c) all = all & mask.part[c];
+    }
+    return laneBits(all) == lowBits(Vec<T>::lanes);
+}
+
 // Writes `count` times the value that `pixels` repeats.
 template <class T, int C>
 OKPCV_INLINE void fillPixels(T* row, int32_t count, const Pixels<T, C>& pixels) {

@@ -228,6 +228,13 @@ class ValueRegion {
     }
     // First pixel from x on that does not pass, or the width.
     int32_t runEnd(const T* row, int32_t x) const {
+        for (; width_ - x >= kUnrolled * kLanes; x += kUnrolled * kLanes) {
+            const T* const p = row + int64_t{x} * C;
+            const auto compare = [this, p](int i) {
+                return members_(Pixels<T, C>::load(p + i * C * kLanes, Whole{}));
+            };
+            if (!allPixels<T, C>(compare)) break;
+        }
         while (x < width_) {
             const uint32_t others = ~memberBits(row, x) & lowBits(kLanes);
             if (others != 0) return x + std::countr_zero(others);
