@@ -43,13 +43,18 @@ class Gradient {
     }
     OKPCV_INLINE uint32_t reached(int32_t y, int32_t x, int count, int32_t fromRow, Span from) const {
         if constexpr (kConnectivity == Connectivity::Four) return nearBits(y, x, fromRow, x, count);
+        const bool inside = x > 0 && width_ - x > kLanes;
         uint32_t bits = 0;
         for (int32_t shift = -1; shift <= 1; ++shift) {
             // Only those whose neighbour lies inside the span.
             const int32_t first = std::max(from.left - (x + shift), 0);
-            const int32_t last = std::min(from.right - (x + shift), count - 1);
-            if (first <= last)
-                bits |= nearBits(y, x + first, fromRow, x + first + shift, last - first + 1) << first;
+            const int32_t end = std::min(from.right - (x + shift) + 1, count);
+            if (inside) {
+                const auto near = compare(pixel(y, x), pixel(fromRow, x + shift), Whole{});
+                bits |= pixelBits<T, C>(near) & ~lowBits(first) & lowBits(std::max(end, 0));
+            } else if (first < end) {
+                bits |= nearBits(y, x + first, fromRow, x + first + shift, end - first) << first;
+            }
         }
         return bits;
     }
