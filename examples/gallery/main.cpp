@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
         addStatsPanels(gallery);
+        addIntegralPanels(gallery);
         addFeaturePanels(gallery);
         addGeometryPanels(gallery);
 
