@@ -10,6 +10,8 @@
 #include "okpcv/arith.h"
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
+#include "okpcv/integral.h"
+#include "okpcv/stats.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */
