@@ -11,6 +11,8 @@
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
 #include "okpcv/segment.h"
+#include "okpcv/integral.h"
+#include "okpcv/stats.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */
