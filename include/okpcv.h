@@ -10,6 +10,7 @@
 #include "okpcv/arith.h"
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
+#include "okpcv/segment.h"
 #include "okpcv/integral.h"
 #include "okpcv/stats.h"
 #include "okpcv/version.h"

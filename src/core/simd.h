@@ -387,6 +387,22 @@ OKPCV_INLINE uint32_t laneBits(Vec<T> mask) {
         return static_cast<uint32_t>(_mm_movemask_pd(bitCast<double>(mask).raw));
     }
 }
+// The inverse of laneBits: all ones in the lanes whose bit is set.
+template <class T>
+OKPCV_INLINE Vec<T> laneMask(uint32_t bits) {
+    using Lane = std::conditional_t<
+        sizeof(T) == 1, uint8_t,
+        std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
+    // Every lane gets the bits, or of two bytes of them the one that holds its own, and looks at its own bit.
+    constexpr int bitsPerLane = sizeof(T) == 1 ? 8 : Vec<T>::lanes;
+    Vec<Lane> all =
+        bitCast<Lane>(broadcast(static_cast<std::conditional_t<sizeof(T) == 1, uint16_t, Lane>>(bits)));
+    if constexpr (sizeof(T) == 1) all.raw = _mm_shuffle_epi8(all.raw, _mm_set_epi64x(0x0101010101010101, 0));
+    Lane own[Vec<T>::lanes];
+    for (int i = 0; i < Vec<T>::lanes; ++i) own[i] = static_cast<Lane>(Lane{1} << (i % bitsPerLane));
+    const auto ownBit = std::bit_cast<Vec<Lane>>(own);
+    return bitCast<T>(equal(all & ownBit, ownBit));
+}
 // Whether any bit of v is set.
 template <class T>
 OKPCV_INLINE bool anyBit(Vec<T> v) {

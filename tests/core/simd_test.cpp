@@ -217,6 +217,8 @@ TYPED_TEST(SimdAll, ReportsLanes) {
             bits |= 1U << i;
         }
         EXPECT_EQ(laneBits(vectorOf(mask)), bits);
+        const Lanes<T> again = lanesOf(laneMask<T>(bits));
+        EXPECT_EQ(std::memcmp(&again, &mask, sizeof mask), 0);
         EXPECT_EQ(anyBit(vectorOf(mask)), bits != 0);
     }
 }
