@@ -18,6 +18,19 @@ constexpr bool isFilterBorder(BorderKind border) {
     return border == BorderInMemory || (border & kBorderKindBits) == BorderConstant || (border & 13U) == 1;
 }
 
+// The kinds that morphology accepts: replicate, mirror, default and constant with any side flags, the flags
+// also in bits 8 to 11, and all sides in memory.
+constexpr bool isMorphologyBorder(BorderKind border) {
+    if (border > 4095) return false;
+    const BorderKind kind = border & kBorderKindBits;
+    return border == BorderInMemory || kind == BorderReplicate || kind == BorderMirror ||
+           kind == BorderDefault || kind == BorderConstant;
+}
+// An accepted kind with the flags in bits 8 to 11 moved to their place in bits 4 to 7.
+constexpr BorderKind foldBorderFlags(BorderKind border) {
+    return (border & 255U) | (border >> 4 & BorderInMemory);
+}
+
 // Where the pixel at a position outside a line comes from.
 class Border {
   public:

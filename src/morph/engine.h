@@ -1,0 +1,270 @@
+// The engine of morphology for images of whole bytes: it carries rows of the source through the planes of a
+// plan and combines them into rows of the destination, strip by strip and a few rows at a time, so that what
+// is in use stays in the nearer caches. Opening, closing and their relatives can run it twice over one spec.
+//
+// M. van Herk, "A fast algorithm for local minimum and maximum filters on rectangular and octagonal kernels",
+// Pattern Recognition Letters 13 (1992); J. Gil and M. Werman, "Computing 2-D min, median, and max filters",
+// IEEE Transactions on Pattern Analysis and Machine Intelligence 15 (1993).
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "core/area.h"
+#include "core/border.h"
+#include "core/image.h"
+#include "core/simd.h"
+#include "morph/combine.h"
+#include "morph/intake.h"
+#include "morph/plan.h"
+#include "morph/spec.h"
+
+namespace okpcv::morph {
+
+// The sizes of the engine's scratch memory, which depend on the mask's size but not on its elements.
+struct Sizes {
+    int32_t maskWidth, maskHeight;
+    int32_t channels;
+    int64_t elementBytes;
+    int64_t blockRows;   // rows of output at a time
+    int64_t stripWidth;  // columns of output at a time
+    Window window;
+
+    Sizes(int32_t maskW, int32_t maskH, int64_t roiWidth, int channelCount, int64_t bytesOfElement)
+        : maskWidth(maskW), maskHeight(maskH), channels(channelCount), elementBytes(bytesOfElement) {
+        // Rows that come in once are used by maskHeight rows of output: taking out at least as many at a time
+        // keeps what is carried over below what is made. 64 rows make that cost small for any mask.
+        blockRows = std::clamp<int64_t>(roundUp(maskHeight, 4), 16, 64);
+        window.rows = maskHeight - 1 + blockRows;
+        const int64_t pixelBytes = channels * elementBytes;
+        const int64_t apron = maskWidth - 1;
+        // At least as wide as the mask, so that what a border reflects lies in the strip.
+        const int64_t widest = std::max({kPlaneBytes / window.rows / pixelBytes - apron,
+                                         kLeastStripBytes / pixelBytes, int64_t{maskWidth}});
+        stripWidth = std::min(roiWidth, widest);
+        // An odd number of cache lines, so that a column of a plane is spread over the cache's sets.
+        const int64_t rowBytes =
+            (roundUp((stripWidth + apron) * pixelBytes, kLineBytes) / kLineBytes | 1) * kLineBytes;
+        window.step = rowBytes / elementBytes;
+    }
+
+  private:
+    static constexpr int64_t kPlaneBytes = 128 * 1024;
+    static constexpr int64_t kLeastStripBytes = 512;
+    static constexpr int64_t kLineBytes = 64;
+};
+
+// The scratch memory.
+struct Scratch {
+    Term* terms;
+    int64_t* weights;
+    void* planes;
+    void* borderRows;  // source rows around the region's edges, outside rows included
+};
+
+inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
+    Scratch scratch;
+    const int64_t windowBytes = sizes.window.planeElements() * sizes.elementBytes;
+    scratch.planes = area.take<char>(Plan::kMaxPlanes * windowBytes, 64);
+    scratch.borderRows = area.take<char>(windowBytes, 64);
+    scratch.terms = area.take<Term>(int64_t{sizes.maskWidth} * sizes.maskHeight);
+    scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
+    return scratch;
+}
+
+// One operation: the arguments of an export, checked. `value` holds one element per channel.
+template <class Pixel>
+struct Job {
+    Size size;
+    Image<const Pixel> src;
+    Image<Pixel> dst;
+    int channels;
+    Border border;
+    const Pixel* value;
+};
+
+template <class P, class Watch>
+class Engine {
+  public:
+    using Pixel = typename P::Pixel;
+    using Cell = typename P::Cell;
+
+    Engine(const Job<Pixel>& job, const Spec& spec, void* buffer)
+        : job_(job),
+          spec_(spec),
+          header_(spec.header()),
+          sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth, job.channels, sizeof(Cell)),
+          scratch_(placeScratch(buffer, sizes_)),
+          plan_(spec, job.channels, sizes_.window, scratch_.terms, scratch_.weights) {
+        for (int c = 0; c < job.channels; ++c) {
+            const Vec<Pixel> value = broadcast(job.value[c]);
+            if (job.border.kind() == BorderConstant) watch_.see(value);
+            value_[c] = firstLane(P::toCells(value));
+        }
+    }
+
+    // False as soon as a pixel turns up that needs other cells; some of the destination is then written.
+    bool run() {
+        const int64_t strip = std::min(sizes_.stripWidth, job_.size.width);
+        for (int64_t x = 0; x < job_.size.width; x += strip) {
+            // The last strip overlaps the one before.
+            if (!runStrip(std::min(x, job_.size.width - strip), strip)) return false;
+        }
+        return true;
+    }
+
+  private:
+    static Scratch placeScratch(void* buffer, const Sizes& sizes) {
+        Area area(buffer);
+        return layOutScratch(area, sizes);
+    }
+
+    Cell* planeRow(int plane, int64_t row) const {
+        return static_cast<Cell*>(scratch_.planes) + plane * sizes_.window.planeElements() +
+               row * sizes_.window.step;
+    }
+    Image<Cell> planeRows(int plane, int64_t row) const {
+        return {planeRow(plane, row), sizes_.window.step * int64_t{sizeof(Cell)}};
+    }
+
+    bool runStrip(int64_t x, int64_t width) {
+        // The strip's columns with those around it that the mask reaches; of these the first to the last that
+        // lie in readable memory.
+        const Border& border = job_.border;
+        from_ = x - header_.anchorX;
+        to_ = x + width + header_.rightExtent;
+        readableFrom_ = border.leftInMemory() ? from_ : std::max<int64_t>(from_, 0);
+        readableTo_ = border.rightInMemory() ? to_ : std::min(to_, job_.size.width);
+        const int64_t readable = (readableFrom_ - from_) * job_.channels;
+        RowIntake<P, Watch> intake({job_.src.row(0) + readableFrom_ * job_.channels, job_.src.step},
+                                   {(readableTo_ - readableFrom_) * job_.channels, job_.size.height}, border,
+                                   job_.value, job_.channels,
+                                   {planeRow(0, 0) + readable, planeRows(0, 0).step},
+                                   {static_cast<Pixel*>(scratch_.borderRows), planeRows(0, 0).step}, watch_);
+        const bool rectangle = spec_.isRectangle();
+        const int64_t kept = rectangle ? 0 : header_.maskHeight - 1;
+        for (int64_t y = 0; y < job_.size.height; y += sizes_.blockRows) {
+            const int64_t rows = std::min(sizes_.blockRows, job_.size.height - y);
+            const int64_t old = y == 0 ? 0 : kept;
+            if (rectangle) {
+                const Spec::Place block = spec_.block(0);
+                intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
+            } else {
+                intake.takeRows(y - header_.anchorY + old, old, kept + rows);
+            }
+            extendRows(old, kept + rows);
+            if (watch_.found()) return false;
+            for (int i = 1; i < plan_.planeCount(); ++i) {
+                const Plan::Plane& plane = plan_.plane(i);
+                const int64_t runs = to_ - from_ - plane.run + 1;
+                if (runs <= 0) continue;
+                combine(planeRows(plane.source, old), planeRows(i, old), runs * job_.channels,
+                        kept + rows - old, plane.terms());
+            }
+            writeRows({job_.dst.row(y) + x * job_.channels, job_.dst.step}, width * job_.channels, rows);
+            if (kept == 0) continue;
+            for (int i = 0; i < plan_.planeCount(); ++i) {
+                std::memmove(planeRow(i, 0), planeRow(i, rows),
+                             static_cast<size_t>(kept * sizes_.window.step) * sizeof(Cell));
+            }
+        }
+        return true;
+    }
+
+    template <class D>
+    void combine(Image<const Cell> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+        NoWatch none;
+        combineRows<P>(src, dst, width, rows, terms, none);
+    }
+
+    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows) {
+        const Image<const Cell> src = planeRows(0, 0);
+        const int64_t slope = int64_t{header_.slope} * job_.channels;
+        if (slope == 0) return combine(src, dst, width, rows, plan_.terms());
+        // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
+        // the columns that all have are done; the ends of the rows follow one by one.
+        const Image<const Cell> slantedSrc{src.data, src.step + slope * int64_t{sizeof(Cell)}};
+        const Image<Pixel> slantedDst{dst.data, dst.step + slope * int64_t{sizeof(Pixel)}};
+        constexpr int kTogether = 4, kLanes = Vec<Cell>::lanes;
+        const int64_t shift = (kTogether - 1) * (slope < 0 ? -slope : slope);
+        const int64_t common = width - shift;
+        for (int64_t y = 0; y < rows;) {
+            const auto one = [&](int64_t row, int64_t x, int64_t count) {
+                combine({src.row(row) + x, slantedSrc.step}, Image<Pixel>{dst.row(row) + x, dst.step}, count,
+                        1, plan_.terms());
+            };
+            if (rows - y < kTogether || common < kLanes) {
+                one(y++, 0, width);
+                continue;
+            }
+            const int64_t begin = slope < 0 ? shift : 0;
+            combine({src.row(y) + begin, slantedSrc.step}, Image<Pixel>{dst.row(y) + begin, slantedDst.step},
+                    common, kTogether, plan_.terms());
+            for (int64_t r = 0; r < kTogether; ++r, ++y) {
+                // The columns before and after those that were done; a whole vector is as cheap as a part.
+                const int64_t before = begin + r * slope, after = width - common - before;
+                if (before > 0) one(y, 0, std::max<int64_t>(before, kLanes));
+                if (after > 0) {
+                    const int64_t count = std::max<int64_t>(after, kLanes);
+                    one(y, width - count, count);
+                }
+            }
+        }
+    }
+
+    // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.
+    void extendRows(int64_t first, int64_t end) const {
+        if (readableFrom_ == from_ && readableTo_ == to_) return;
+        for (int64_t i = first; i < end; ++i) {
+            switch (job_.channels) {
+                case 1:
+                    extendRow<1>(planeRow(0, i));
+                    break;
+                case 3:
+                    extendRow<3>(planeRow(0, i));
+                    break;
+                default:
+                    extendRow<4>(planeRow(0, i));
+            }
+        }
+    }
+    template <int kChannels>
+    void extendRow(Cell* row) const {
+        Cell* const columnZero = row - from_ * kChannels;
+        const auto produce = [&](int64_t from, int64_t to) {
+            if (from < to)
+                produceColumns<kChannels>(columnZero + from * kChannels, columnZero, job_.size.width, from,
+                                          to, job_.border, value_);
+        };
+        produce(from_, readableFrom_);
+        produce(readableTo_, to_);
+    }
+
+    Job<Pixel> job_;
+    const Spec& spec_;
+    const SpecHeader& header_;
+    Sizes sizes_;
+    Scratch scratch_;
+    Plan plan_;
+    Watch watch_;
+    Cell value_[4];
+    int64_t from_ = 0, to_ = 0, readableFrom_ = 0, readableTo_ = 0;
+};
+
+// Runs the operation on images whose rows are whole bytes.
+template <class Op, class Pixel>
+void applyMask(const Job<Pixel>& job, const Spec& spec, void* buffer) {
+    if (spec.isIdentity()) {
+        const auto rowBytes = static_cast<size_t>(job.size.width) * job.channels * sizeof(Pixel);
+        for (int64_t y = 0; y < job.size.height; ++y) std::memcpy(job.dst.row(y), job.src.row(y), rowBytes);
+    } else if constexpr (kIsFloat<Pixel>) {
+        if (Engine<PlainFloats<Op>, FloatWatch>(job, spec, buffer).run()) return;
+        Engine<OrderedFloats<Op>, NoWatch>(job, spec, buffer).run();
+    } else {
+        Engine<Integers<Pixel, Op>, NoWatch>(job, spec, buffer).run();
+    }
+}
+
+}  // namespace okpcv::morph

@@ -1,0 +1,137 @@
+// The plan of an operation: which passes along rows its mask needs, and what each output pixel combines.
+//
+// Plane 0 holds the rows as they come in. Every other plane holds the maxima of horizontal runs of one
+// length, made from those of a shorter length: a run of n from runs of m in ceil(n / m) loads, the last of
+// which overlaps. Blocks of the mask whose length no plane has take the longest runs that fit.
+#pragma once
+
+#include <cstdint>
+
+#include "morph/combine.h"
+#include "morph/spec.h"
+
+namespace okpcv::morph {
+
+// The rows of the planes: `rows` rows of `step` elements each per plane, plane after plane.
+struct Window {
+    int64_t rows, step;
+    int64_t planeElements() const { return rows * step; }
+};
+
+class Plan {
+  public:
+    static constexpr int kMaxPlanes = 10;
+    // Runs of a multiple of a plane's length up to this one are combined directly.
+    static constexpr int32_t kMostParts = 8;
+
+    struct Plane {
+        int32_t run;     // the length of its runs
+        int32_t source;  // the plane that it is made from
+        int32_t parts;
+        Term steps[kMostParts];
+
+        TermList terms() const { return {steps, parts}; }
+    };
+
+    // `terms` has room for a term per element of the mask, `weights` for a number per column and one more.
+    Plan(const Spec& spec, int channels, Window window, Term* terms, int64_t* weights)
+        : channels_(channels), window_(window), terms_{terms, 0} {
+        choosePlanes(spec, weights);
+        // A rectangle's plane 0 holds its vertical maxima; only its run along the rows is left.
+        const bool upright = spec.isRectangle();
+        for (int32_t shortest = 1; shortest <= kTall; ++shortest) {
+            for (int32_t i = 0; i < spec.header().blockCount; ++i) {
+                Spec::Place block = spec.block(i);
+                if (upright) block.row = 0, block.height = 1;
+                const bool listed = block.height == shortest || (shortest == kTall && block.height > kTall);
+                if (listed) addTerms(block, terms);
+            }
+        }
+    }
+
+    int planeCount() const { return planeCount_; }
+    const Plane& plane(int i) const { return planes_[i]; }
+    // What an output pixel combines, relative to the element of plane 0 under the mask's first element.
+    TermList terms() const { return terms_; }
+
+  private:
+    static constexpr int32_t kTall = 4;
+
+    static constexpr int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }
+
+    // The plane of the longest runs that fit into one of this length.
+    int planeFor(int32_t length) const {
+        int best = 0;
+        for (int i = 1; i < planeCount_; ++i) {
+            if (planes_[i].run <= length && planes_[i].run > planes_[best].run) best = i;
+        }
+        return best;
+    }
+    int64_t partsOf(int32_t length) const { return ceilDiv(length, planes_[planeFor(length)].run); }
+
+    // The offsets at which runs of the plane cover one of `length`, each given to visit.
+    template <class Visit>
+    void visitParts(int32_t length, int32_t run, Visit visit) const {
+        for (int32_t at = 0;; at += run) {
+            const bool last = at + run >= length;
+            visit(int64_t{last ? length - run : at} * channels_);
+            if (last) return;
+        }
+    }
+
+    void addPlane(int32_t length) {
+        Plane& plane = planes_[planeCount_];
+        plane = {length, planeFor(length), 0, {}};
+        visitParts(length, planes_[plane.source].run, [&](int64_t offset) {
+            plane.steps[plane.parts++] = {offset, 1};
+        });
+        ++planeCount_;
+    }
+
+    void addTerms(const Spec::Place& block, Term* terms) {
+        const int plane = planeFor(block.length);
+        const int64_t base =
+            plane * window_.planeElements() + block.row * window_.step + int64_t{block.column} * channels_;
+        visitParts(block.length, planes_[plane].run, [&](int64_t offset) {
+            terms[terms_.count++] = {base + offset, block.height};
+        });
+    }
+
+    // First powers of 4, until the longest run has few parts; then, from short to long, the mask's own
+    // lengths where a plane saves more loads than it costs.
+    void choosePlanes(const Spec& spec, int64_t* weights) {
+        planes_[0].run = 1;
+        planeCount_ = 1;
+        int32_t longest = 1;
+        for (int32_t i = 0; i < spec.header().blockCount; ++i) {
+            if (const int32_t length = spec.block(i).length; length > longest) longest = length;
+        }
+        for (int32_t run = 4; partsOf(longest) > kMostParts; run *= 4) addPlane(run);
+        if (spec.header().blockCount == 1) return;
+
+        for (int32_t length = 0; length <= longest; ++length) weights[length] = 0;
+        for (int32_t i = 0; i < spec.header().blockCount; ++i) {
+            const Spec::Place block = spec.block(i);
+            weights[block.length] += block.height + 3;  // in quarters of a load, see combine.h
+        }
+        for (int32_t length = 2; length <= longest && planeCount_ < kMaxPlanes; ++length) {
+            const int64_t parts = partsOf(length);
+            if (weights[length] == 0 || parts == 1) continue;
+            int64_t saved = 0;
+            for (int32_t longer = length; longer <= longest; ++longer) {
+                if (weights[longer] == 0) continue;
+                const int64_t less = partsOf(longer) - ceilDiv(longer, length);
+                if (less > 0) saved += weights[longer] * less;
+            }
+            if (saved > 4 * (parts + 2)) addPlane(length);
+        }
+    }
+
+    int channels_;
+    Window window_;
+    int planeCount_ = 0;
+    Plane planes_[kMaxPlanes];
+    TermList terms_;
+};
+
+}  // namespace okpcv::morph
