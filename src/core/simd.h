@@ -15,6 +15,8 @@
 #include <type_traits>
 
 #define OKPCV_INLINE inline __attribute__((always_inline))
+// The same for a lambda, behind its parameters.
+#define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace okpcv {
 

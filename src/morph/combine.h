@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -21,8 +22,11 @@ struct Maximum {
     static OKPCV_INLINE Vec<T> of(Vec<T> a, Vec<T> b) {
         return max(a, b);
     }
+    // What never wins; in borders, only against numbers.
     template <class T>
-    static constexpr T neutral = kSmallest<T>;
+    static constexpr T identity = kIsFloat<T> ? -std::numeric_limits<T>::infinity() : kSmallest<T>;
+    template <class T>
+    static constexpr T defaultBorder = kSmallest<T>;
 };
 struct Minimum {
     template <class T>
@@ -30,7 +34,9 @@ struct Minimum {
         return min(a, b);
     }
     template <class T>
-    static constexpr T neutral = kLargest<T>;
+    static constexpr T identity = kIsFloat<T> ? std::numeric_limits<T>::infinity() : kLargest<T>;
+    template <class T>
+    static constexpr T defaultBorder = kLargest<T>;
 };
 
 // ---- Element types --------------------------------------------------------------------------------------
@@ -105,10 +111,16 @@ struct Term {
     int32_t height;
 };
 
-// Terms sorted by height, shortest first.
+// Runs of a multiple of a shorter length up to this one are combined directly.
+inline constexpr int32_t kMostParts = 8;
+
+// Terms sorted by height: so many of heights 1, 2 and 3, then the taller ones.
 struct TermList {
     const Term* begin;
-    int32_t count;
+    int32_t ofHeight[3];
+    int32_t taller;
+
+    int32_t count() const { return ofHeight[0] + ofHeight[1] + ofHeight[2] + taller; }
 };
 
 namespace detail {
@@ -148,11 +160,11 @@ class Tile {
     // Takes in a term of a height below kRows, or of height 1 when kRows is 1. kFirst: the tile is empty yet.
     template <int kHeight, bool kFirst, class S, class Watch>
     OKPCV_INLINE void takeShort(const S* p, int64_t step, Watch& watch) {
-        forEach<kRows + kHeight - 1>([&](auto t) {
+        forEach<kRows + kHeight - 1>([&](auto t) OKPCV_INLINE_LAMBDA {
             Row row;
             fetch(row, rowBelow(p, t, step));
             if constexpr (t >= kHeight - 1) see(row, watch);
-            forEach<kRows>([&](auto r) {
+            forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
                 if constexpr (r <= t && t < r + kHeight) {
                     if constexpr (kFirst && r == t) {
                         rows_[r] = row;
@@ -175,7 +187,7 @@ class Tile {
             if (t == height - 1) see(row, watch);
             merge(run, row);
         }
-        forEach<kRows>([&](auto i) {
+        forEach<kRows>([&](auto i) OKPCV_INLINE_LAMBDA {
             constexpr int r = kRows - 1 - i;
             if constexpr (r < kRows - 1) {
                 fetch(row, rowBelow(p, r, step));
@@ -188,7 +200,7 @@ class Tile {
             }
         });
         const S* const below = rowBelow(p, height, step);
-        forEach<kRows - 1>([&](auto i) {
+        forEach<kRows - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
             fetch(row, rowBelow(below, i, step));
             see(row, watch);
             if constexpr (i == 0) {
@@ -200,27 +212,17 @@ class Tile {
         });
     }
 
-    template <bool kFirst, class S, class Watch>
-    OKPCV_INLINE void take(const S* p, int64_t step, int32_t height, Watch& watch) {
-        if constexpr (kRows == 1) {
-            takeTall<kFirst>(p, step, height, watch);
-        } else {
-            switch (height) {
-                case 1:
-                    return takeShort<1, kFirst>(p, step, watch);
-                case 2:
-                    return takeShort<2, kFirst>(p, step, watch);
-                case 3:
-                    return takeShort<3, kFirst>(p, step, watch);
-                default:
-                    return takeTall<kFirst>(p, step, height, watch);
-            }
+    // The identity everywhere, to begin with terms of any height.
+    OKPCV_INLINE void clear() {
+        const Vec<Cell> identity = broadcast(Op::template identity<Cell>);
+        for (Row& row : rows_) {
+            for (Vec<Cell>& v : row.vectors) v = identity;
         }
     }
 
     template <class D>
     OKPCV_INLINE void write(D* p, int64_t step) const {
-        forEach<kRows>([&](auto r) {
+        forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
             D* const to = Image<D>{p, step}.row(r);
             for (int v = 0; v < kVectors; ++v)
                 storeCells<P>(to + v * kLanes, rows_[r].vectors[v], extent_.from(v * kLanes));
@@ -234,7 +236,7 @@ class Tile {
 
     template <int kCount, class Step>
     static OKPCV_INLINE void forEach(Step step) {
-        [&]<int... i>(std::integer_sequence<int, i...>) {
+        [&]<int... i>(std::integer_sequence<int, i...>) OKPCV_INLINE_LAMBDA {
             (step(std::integral_constant<int, i>{}), ...);
         }
         (std::make_integer_sequence<int, kCount>{});
@@ -270,36 +272,117 @@ OKPCV_INLINE void coverRow(int64_t width, Visit visit) {
     if (x < width) visit(One{}, Whole{}, width - kLanes);
 }
 
-template <class P, int kRows, class S, class D, class Watch>
-OKPCV_INLINE void combineTiles(Image<const S> src, Image<D> dst, int64_t width, TermList terms,
-                               Watch& watch) {
-    coverRow<Vec<S>::lanes, 2>(width, [&](auto vectors, auto extent, int64_t x) {
+// Fills tile after tile of kRows rows: take(tile, p) takes in what belongs to the tile whose source is at p.
+template <class P, int kRows, class S, class D, class Take>
+OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Take take) {
+    coverRow<Vec<S>::lanes, 2>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
         Tile<P, kRows, vectors, decltype(extent)> tile(extent);
-        const Term* term = terms.begin;
-        const Term* const end = term + terms.count;
-        tile.template take<true>(src.data + x + term->offset, src.step, term->height, watch);
-        for (++term; term != end; ++term)
-            tile.template take<false>(src.data + x + term->offset, src.step, term->height, watch);
+        take(tile, src.data + x);
         tile.write(dst.data + x, dst.step);
     });
+}
+// Calls run with `count`, from kLeast to kMost, as a constant.
+template <int kLeast, int kMost, class Run>
+OKPCV_INLINE void withCount(int32_t count, Run run) {
+    if constexpr (kLeast < kMost) {
+        if (count != kLeast) return withCount<kLeast + 1, kMost>(count, run);
+    }
+    run(std::integral_constant<int, kLeast>{});
+}
+
+// A row all of whose terms, kTerms of them, have a height of 1.
+template <class P, int kTerms, class S, class D>
+OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
+    using Cell = typename P::Cell;
+    constexpr int kLanes = Vec<Cell>::lanes;
+    const S* from[kTerms];
+    for (int t = 0; t < kTerms; ++t) from[t] = src + terms.begin[t].offset;
+    coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<Cell> result[vectors];
+        for (int v = 0; v < vectors; ++v)
+            result[v] = loadCells<P>(from[0] + x + v * kLanes, extent.from(v * kLanes));
+        for (int t = 1; t < kTerms; ++t) {
+            for (int v = 0; v < vectors; ++v)
+                result[v] =
+                    P::Op::of(result[v], loadCells<P>(from[t] + x + v * kLanes, extent.from(v * kLanes)));
+        }
+        for (int v = 0; v < vectors; ++v)
+            storeCells<P>(dst + x + v * kLanes, result[v], extent.from(v * kLanes));
+    });
+}
+
+template <class P, class S, class D, class Take>
+OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Take take) {
+    int64_t y = 0;
+    if (width >= Vec<S>::lanes) {
+        for (; y + 4 <= rows; y += 4)
+            fillTiles<P, 4>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width,
+                            take);
+    }
+    for (; y < rows; ++y)
+        fillTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width, take);
 }
 
 }  // namespace detail
 
-// dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows.
-// Watches the pixels of the last row of each term; the caller watches the height - 1 rows above the first.
+// dst(x, y) = the maximum of the `height` elements of src from (x, y) down. Watches all rows of the source
+// but the first height - 1.
 template <class P, class S, class D, class Watch>
-void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms,
-                 Watch& watch) {
+void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, int32_t height,
+                    Watch& watch) {
     Watch seen = watch;
-    int64_t y = 0;
-    for (; y + 4 <= rows; y += 4)
-        detail::combineTiles<P, 4>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step},
-                                   width, terms, seen);
-    for (; y < rows; ++y)
-        detail::combineTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step},
-                                   width, terms, seen);
+    const int64_t step = src.step;
+    const auto withHeight = [&](auto take)
+                                OKPCV_INLINE_LAMBDA { detail::fillRows<P>(src, dst, width, rows, take); };
+    switch (height) {
+        case 1:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<1, true>(p, step, seen); });
+            break;
+        case 2:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<2, true>(p, step, seen); });
+            break;
+        case 3:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<3, true>(p, step, seen); });
+            break;
+        default:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeTall<true>(p, step, height, seen); });
+    }
     watch = seen;
+}
+
+// dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows.
+template <class P, class S, class D>
+void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+    if (terms.count() == 1) {
+        NoWatch none;
+        const Term& term = *terms.begin;
+        return combineColumns<P>(Image<const S>{src.data + term.offset, src.step}, dst, width, rows,
+                                 term.height, none);
+    }
+    if (terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts) {
+        return detail::withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
+            for (int64_t y = 0; y < rows; ++y)
+                detail::fillRow<P, count>(src.row(y), dst.row(y), width, terms);
+        });
+    }
+    NoWatch none;
+    const int64_t step = src.step;
+    detail::fillRows<P>(src, dst, width, rows, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
+        tile.clear();
+        const Term* t = terms.begin;
+        const Term* end = t + terms.ofHeight[0];
+        for (; t != end; ++t) tile.template takeShort<1, false>(p + t->offset, step, none);
+        end += terms.ofHeight[1];
+        for (; t != end; ++t) tile.template takeShort<2, false>(p + t->offset, step, none);
+        end += terms.ofHeight[2];
+        for (; t != end; ++t) tile.template takeShort<3, false>(p + t->offset, step, none);
+        end += terms.taller;
+        for (; t != end; ++t) tile.template takeTall<false>(p + t->offset, step, t->height, none);
+    });
 }
 
 // dst(x, y) = the maximum of the `height` elements of src from (x, y) down, for at most `height` rows, by
@@ -312,27 +395,27 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     using Op = typename P::Op;
     constexpr int kLanes = Vec<D>::lanes;
     Watch seen = watch;
-    detail::coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) {
+    detail::coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
         Vec<D> run[vectors];
-        const auto begin = [&](int64_t row) {
+        const auto begin = [&](int64_t row) OKPCV_INLINE_LAMBDA {
             for (int v = 0; v < vectors; ++v)
                 run[v] = detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes));
         };
-        const auto grow = [&](int64_t row) {
+        const auto grow = [&](int64_t row) OKPCV_INLINE_LAMBDA {
             for (int v = 0; v < vectors; ++v)
                 run[v] = Op::of(run[v],
                                 detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes)));
         };
-        const auto see = [&](int64_t row) {
+        const auto see = [&](int64_t row) OKPCV_INLINE_LAMBDA {
             if constexpr (!std::is_same_v<Watch, NoWatch>) {
                 for (int v = 0; v < vectors; ++v)
                     seen.see(load(src.row(row) + x + v * kLanes, extent.from(v * kLanes)));
             }
         };
-        const auto write = [&](int64_t row, bool merge) {
+        const auto write = [&](int64_t row, auto merge) OKPCV_INLINE_LAMBDA {
             for (int v = 0; v < vectors; ++v) {
                 D* const to = dst.row(row) + x + v * kLanes;
-                store(to, merge ? Op::of(load(to, extent.from(v * kLanes)), run[v]) : run[v],
+                store(to, merge() ? Op::of(load(to, extent.from(v * kLanes)), run[v]) : run[v],
                       extent.from(v * kLanes));
             }
         };
@@ -341,13 +424,13 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
         for (int64_t y = height - 2; y >= rows; --y) grow(y);
         for (int64_t y = rows - 1; y >= 0; --y) {
             if (y < height - 1) grow(y);
-            write(y, false);
+            write(y, std::false_type{});
         }
         if (rows == 1) return;
         begin(height);
         for (int64_t y = 1;; ++y) {
             see(height + y - 1);
-            write(y, true);
+            write(y, std::true_type{});
             if (y + 1 == rows) break;
             grow(height + y);
         }

@@ -34,7 +34,7 @@ struct ChosenBorder {
     ChosenBorder(BorderKind kind, const Pixel* callersValue, int channels)
         : border(foldBorderFlags(kind)), value{} {
         for (int c = 0; c < channels; ++c) {
-            if (border.kind() == BorderDefault) value[c] = Op::template neutral<Pixel>;
+            if (border.kind() == BorderDefault) value[c] = Op::template defaultBorder<Pixel>;
             if (border.kind() == BorderConstant) value[c] = callersValue[c];
         }
     }

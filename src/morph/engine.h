@@ -56,12 +56,18 @@ struct Sizes {
     static constexpr int64_t kLineBytes = 64;
 };
 
+// An element of a row that stands outside the region, and the one inside it that it equals.
+struct Extension {
+    int64_t outside, inside;
+};
+
 // The scratch memory.
 struct Scratch {
     Term* terms;
     int64_t* weights;
     void* planes;
-    void* borderRows;  // source rows around the region's edges, outside rows included
+    void* borderRows;      // source rows around the region's edges, outside rows included
+    Extension* extension;  // as many as a row has elements outside the region
 };
 
 inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
@@ -71,10 +77,12 @@ inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
     scratch.borderRows = area.take<char>(windowBytes, 64);
     scratch.terms = area.take<Term>(int64_t{sizes.maskWidth} * sizes.maskHeight);
     scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
+    scratch.extension = area.take<Extension>(int64_t{sizes.maskWidth} * sizes.channels);
     return scratch;
 }
 
-// One operation: the arguments of an export, checked. `value` holds one element per channel.
+// One operation: the arguments of an export, checked. `value` holds four elements, of which those of the
+// channels count.
 template <class Pixel>
 struct Job {
     Size size;
@@ -98,7 +106,7 @@ class Engine {
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth, job.channels, sizeof(Cell)),
           scratch_(placeScratch(buffer, sizes_)),
           plan_(spec, job.channels, sizes_.window, scratch_.terms, scratch_.weights) {
-        for (int c = 0; c < job.channels; ++c) {
+        for (int c = 0; c < 4; ++c) {
             const Vec<Pixel> value = broadcast(job.value[c]);
             if (job.border.kind() == BorderConstant) watch_.see(value);
             value_[c] = firstLane(P::toCells(value));
@@ -116,6 +124,9 @@ class Engine {
     }
 
   private:
+    // Rows of output that a rectangle makes at a time.
+    static constexpr int64_t kFewRows = 8;
+
     static Scratch placeScratch(void* buffer, const Sizes& sizes) {
         Area area(buffer);
         return layOutScratch(area, sizes);
@@ -137,46 +148,72 @@ class Engine {
         to_ = x + width + header_.rightExtent;
         readableFrom_ = border.leftInMemory() ? from_ : std::max<int64_t>(from_, 0);
         readableTo_ = border.rightInMemory() ? to_ : std::min(to_, job_.size.width);
+        planExtension();
         const int64_t readable = (readableFrom_ - from_) * job_.channels;
         RowIntake<P, Watch> intake({job_.src.row(0) + readableFrom_ * job_.channels, job_.src.step},
                                    {(readableTo_ - readableFrom_) * job_.channels, job_.size.height}, border,
                                    job_.value, job_.channels,
                                    {planeRow(0, 0) + readable, planeRows(0, 0).step},
                                    {static_cast<Pixel*>(scratch_.borderRows), planeRows(0, 0).step}, watch_);
-        const bool rectangle = spec_.isRectangle();
-        const int64_t kept = rectangle ? 0 : header_.maskHeight - 1;
+        return spec_.isRectangle() ? runRectangle(intake, x, width) : runRuns(intake, x, width);
+    }
+
+    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
+    bool runRectangle(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+        const Spec::Place block = spec_.block(0);
+        const int64_t blockRows = block.height > RowIntake<P, Watch>::kTallest ? sizes_.blockRows : kFewRows;
+        for (int64_t y = 0; y < job_.size.height; y += blockRows) {
+            const int64_t rows = std::min(blockRows, job_.size.height - y);
+            intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
+            extendRows(0, rows);
+            if (watch_.found()) return false;
+            // The other planes have a few rows only, which stay in the nearest cache.
+            for (int64_t i = 0; i < rows; i += kFewRows) {
+                const int64_t few = std::min(kFewRows, rows - i);
+                for (int p = 1; p < plan_.planeCount(); ++p)
+                    makePlane(p, planeRows(plan_.plane(p).source, plan_.plane(p).source == 0 ? i : 0), 0,
+                              few);
+                combine(planeRows(0, plan_.planeCount() == 1 ? i : 0), destination(x, y + i),
+                        width * job_.channels, few, plan_.terms());
+            }
+        }
+        return true;
+    }
+
+    // Any other mask: rows come in as they are, and stay while the mask reaches them.
+    bool runRuns(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+        const int64_t kept = header_.maskHeight - 1;
         for (int64_t y = 0; y < job_.size.height; y += sizes_.blockRows) {
             const int64_t rows = std::min(sizes_.blockRows, job_.size.height - y);
             const int64_t old = y == 0 ? 0 : kept;
-            if (rectangle) {
-                const Spec::Place block = spec_.block(0);
-                intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
-            } else {
-                intake.takeRows(y - header_.anchorY + old, old, kept + rows);
-            }
+            intake.takeRows(y - header_.anchorY + old, old, kept + rows);
             extendRows(old, kept + rows);
             if (watch_.found()) return false;
-            for (int i = 1; i < plan_.planeCount(); ++i) {
-                const Plan::Plane& plane = plan_.plane(i);
-                const int64_t runs = to_ - from_ - plane.run + 1;
-                if (runs <= 0) continue;
-                combine(planeRows(plane.source, old), planeRows(i, old), runs * job_.channels,
-                        kept + rows - old, plane.terms());
-            }
-            writeRows({job_.dst.row(y) + x * job_.channels, job_.dst.step}, width * job_.channels, rows);
-            if (kept == 0) continue;
-            for (int i = 0; i < plan_.planeCount(); ++i) {
-                std::memmove(planeRow(i, 0), planeRow(i, rows),
+            for (int p = 1; p < plan_.planeCount(); ++p)
+                makePlane(p, planeRows(plan_.plane(p).source, old), old, kept + rows - old);
+            writeRows(destination(x, y), width * job_.channels, rows);
+            for (int p = 0; p < plan_.planeCount(); ++p) {
+                std::memmove(planeRow(p, 0), planeRow(p, rows),
                              static_cast<size_t>(kept * sizes_.window.step) * sizeof(Cell));
             }
         }
         return true;
     }
 
+    // Rows of a plane from those of its source.
+    void makePlane(int p, Image<const Cell> source, int64_t first, int64_t rows) {
+        const Plan::Plane& plane = plan_.plane(p);
+        const int64_t runs = to_ - from_ - plane.run + 1;
+        if (runs > 0) combine(source, planeRows(p, first), runs * job_.channels, rows, plane.terms());
+    }
+
+    Image<Pixel> destination(int64_t x, int64_t y) const {
+        return {job_.dst.row(y) + x * job_.channels, job_.dst.step};
+    }
+
     template <class D>
     void combine(Image<const Cell> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
-        NoWatch none;
-        combineRows<P>(src, dst, width, rows, terms, none);
+        combineRows<P>(src, dst, width, rows, terms);
     }
 
     void writeRows(Image<Pixel> dst, int64_t width, int64_t rows) {
@@ -214,32 +251,31 @@ class Engine {
         }
     }
 
-    // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.
-    void extendRows(int64_t first, int64_t end) const {
-        if (readableFrom_ == from_ && readableTo_ == to_) return;
-        for (int64_t i = first; i < end; ++i) {
-            switch (job_.channels) {
-                case 1:
-                    extendRow<1>(planeRow(0, i));
-                    break;
-                case 3:
-                    extendRow<3>(planeRow(0, i));
-                    break;
-                default:
-                    extendRow<4>(planeRow(0, i));
+    // Finds out what stands in the columns of plane 0 that are not in readable memory.
+    void planExtension() {
+        extended_ = 0;
+        const auto addColumns = [&](int64_t from, int64_t to) {
+            for (int64_t x = from; x < to; ++x) {
+                const int64_t source = job_.border.column(x, job_.size.width);
+                for (int c = 0; c < job_.channels; ++c) {
+                    const int64_t inside =
+                        source == Border::kValue ? c : (source - from_) * job_.channels + c;
+                    scratch_.extension[extended_++] = {(x - from_) * job_.channels + c, inside};
+                }
             }
-        }
-    }
-    template <int kChannels>
-    void extendRow(Cell* row) const {
-        Cell* const columnZero = row - from_ * kChannels;
-        const auto produce = [&](int64_t from, int64_t to) {
-            if (from < to)
-                produceColumns<kChannels>(columnZero + from * kChannels, columnZero, job_.size.width, from,
-                                          to, job_.border, value_);
         };
-        produce(from_, readableFrom_);
-        produce(readableTo_, to_);
+        addColumns(from_, readableFrom_);
+        addColumns(readableTo_, to_);
+    }
+    // Makes those columns in rows `first` to `end` - 1.
+    void extendRows(int64_t first, int64_t end) const {
+        const bool constant = job_.border.kind() != BorderReplicate && job_.border.kind() != BorderMirror;
+        for (int64_t i = first; i < end; ++i) {
+            Cell* const row = planeRow(0, i);
+            const Cell* const inside = constant ? value_ : row;
+            for (int64_t e = 0; e < extended_; ++e)
+                row[scratch_.extension[e].outside] = inside[scratch_.extension[e].inside];
+        }
     }
 
     Job<Pixel> job_;
@@ -251,6 +287,7 @@ class Engine {
     Watch watch_;
     Cell value_[4];
     int64_t from_ = 0, to_ = 0, readableFrom_ = 0, readableTo_ = 0;
+    int64_t extended_ = 0;
 };
 
 // Runs the operation on images whose rows are whole bytes.

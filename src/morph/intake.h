@@ -21,6 +21,9 @@ class RowIntake {
     using Pixel = typename P::Pixel;
     using Cell = typename P::Cell;
 
+    // The height above which combineTall is faster than combineColumns.
+    static constexpr int32_t kTallest = 16;
+
     // `src` begins at the first readable column and has size.width elements in each of size.height rows. A
     // row that is nowhere consists of the `period` elements at `value`, repeated. `copies` has room for as
     // many rows as there are under the masks of the rows of one call.
@@ -37,12 +40,20 @@ class RowIntake {
 
     // The source's rows from y on, into rows `first` to `end` - 1.
     void takeRows(int64_t y, int64_t first, int64_t end) {
-        const Term itself{0, 1};
-        for (int64_t i = first; i < end; ++i, ++y) {
+        for (int64_t i = first; i < end;) {
             const int64_t source = border_.row(y, size_.height);
+            // Rows that follow each other in memory come in together.
+            int64_t count = 1;
+            if (source == y) {
+                const int64_t inRegion = y >= 0 && y < size_.height ? size_.height - y : 1;
+                count = std::min(inRegion, end - i);
+            }
             if (source == Border::kValue) fillRow(copies_.row(0));
-            const Image<const Pixel> row{source == Border::kValue ? copies_.data : src_.row(source), 0};
-            combineRows<P>(row, Image<Cell>{rows_.row(i), 0}, size_.width, 1, {&itself, 1}, watch_);
+            const Image<const Pixel> rows{source == Border::kValue ? copies_.data : src_.row(source),
+                                          src_.step};
+            combineColumns<P>(rows, Image<Cell>{rows_.row(i), rows_.step}, size_.width, count, 1, watch_);
+            i += count;
+            y += count;
         }
     }
 
@@ -66,9 +77,6 @@ class RowIntake {
     }
 
   private:
-    // The height above which combineTall is faster than combineRows.
-    static constexpr int32_t kTallest = 16;
-
     void takeMaximaOfCopies(int64_t y, int64_t first, int64_t count, int32_t height) {
         if (count == 0) return;
         const int64_t copied = count + height - 1;
@@ -87,9 +95,8 @@ class RowIntake {
 
     void verticalMaxima(Image<const Pixel> src, int64_t first, int64_t count, int32_t height) {
         if (height <= kTallest) {
-            const Term term{0, height};
-            return combineRows<P>(src, Image<Cell>{rows_.row(first), rows_.step}, size_.width, count,
-                                  {&term, 1}, watch_);
+            return combineColumns<P>(src, Image<Cell>{rows_.row(first), rows_.step}, size_.width, count,
+                                     height, watch_);
         }
         for (int64_t i = 0; i < count; i += height) {
             combineTall<P>(Image<const Pixel>{src.row(i), src.step},

@@ -21,8 +21,6 @@ struct Window {
 class Plan {
   public:
     static constexpr int kMaxPlanes = 10;
-    // Runs of a multiple of a plane's length up to this one are combined directly.
-    static constexpr int32_t kMostParts = 8;
 
     struct Plane {
         int32_t run;     // the length of its runs
@@ -30,23 +28,25 @@ class Plan {
         int32_t parts;
         Term steps[kMostParts];
 
-        TermList terms() const { return {steps, parts}; }
+        TermList terms() const { return {steps, {parts, 0, 0}, 0}; }
     };
 
     // `terms` has room for a term per element of the mask, `weights` for a number per column and one more.
     Plan(const Spec& spec, int channels, Window window, Term* terms, int64_t* weights)
-        : channels_(channels), window_(window), terms_{terms, 0} {
+        : channels_(channels), window_(window), terms_{terms, {}, 0} {
         choosePlanes(spec, weights);
         // A rectangle's plane 0 holds its vertical maxima; only its run along the rows is left.
         const bool upright = spec.isRectangle();
-        for (int32_t shortest = 1; shortest <= kTall; ++shortest) {
+        const auto addAll = [&](auto listed, int32_t& count) {
             for (int32_t i = 0; i < spec.header().blockCount; ++i) {
                 Spec::Place block = spec.block(i);
                 if (upright) block.row = 0, block.height = 1;
-                const bool listed = block.height == shortest || (shortest == kTall && block.height > kTall);
-                if (listed) addTerms(block, terms);
+                if (listed(block.height)) addTerms(block, terms, count);
             }
-        }
+        };
+        for (int32_t height = 1; height <= 3; ++height)
+            addAll([height](int32_t h) { return h == height; }, terms_.ofHeight[height - 1]);
+        addAll([](int32_t h) { return h > 3; }, terms_.taller);
     }
 
     int planeCount() const { return planeCount_; }
@@ -55,8 +55,6 @@ class Plan {
     TermList terms() const { return terms_; }
 
   private:
-    static constexpr int32_t kTall = 4;
-
     static constexpr int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }
 
     // The plane of the longest runs that fit into one of this length.
@@ -88,12 +86,13 @@ class Plan {
         ++planeCount_;
     }
 
-    void addTerms(const Spec::Place& block, Term* terms) {
+    void addTerms(const Spec::Place& block, Term* terms, int32_t& count) {
         const int plane = planeFor(block.length);
         const int64_t base =
             plane * window_.planeElements() + block.row * window_.step + int64_t{block.column} * channels_;
         visitParts(block.length, planes_[plane].run, [&](int64_t offset) {
-            terms[terms_.count++] = {base + offset, block.height};
+            terms[terms_.count()] = {base + offset, block.height};
+            ++count;
         });
     }
 
