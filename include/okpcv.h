@@ -8,6 +8,8 @@
 #include "okpcv/types.h"
 
 #include "okpcv/arith.h"
+#include "okpcv/features.h"
+#include "okpcv/geometry.h"
 #include "okpcv/morph.h"
 #include "okpcv/version.h"
 

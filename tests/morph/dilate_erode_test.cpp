@@ -135,36 +135,61 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
     }
 }
 
-#define EXPORTS(SUFFIX, T, VALUE, CHANNELS, TYPE)                                                \
-    Exports<T, VALUE> {                                                                          \
-        CHANNELS, TYPE, okpiMorphologyBorderGetSize_##SUFFIX, okpiMorphologyBorderInit_##SUFFIX, \
-            okpiDilateBorder_##SUFFIX, okpiErodeBorder_##SUFFIX, okpiDilate_##SUFFIX##_L,        \
-            okpiErode_##SUFFIX##_L                                                               \
-    }
-
 TEST(DilateErode, U8C1) {
-    expectDefinitionEverywhere(EXPORTS(8u_C1R, uint8_t, uint8_t, 1, DataType8u), 1);
+    expectDefinitionEverywhere(
+        Exports<uint8_t, uint8_t>{1, DataType8u, okpiMorphologyBorderGetSize_8u_C1R,
+                                  okpiMorphologyBorderInit_8u_C1R, okpiDilateBorder_8u_C1R,
+                                  okpiErodeBorder_8u_C1R, okpiDilate_8u_C1R_L, okpiErode_8u_C1R_L},
+        1);
 }
 TEST(DilateErode, U8C3) {
-    expectDefinitionEverywhere(EXPORTS(8u_C3R, uint8_t, const uint8_t*, 3, DataType8u), 2);
+    expectDefinitionEverywhere(
+        Exports<uint8_t, const uint8_t*>{3, DataType8u, okpiMorphologyBorderGetSize_8u_C3R,
+                                         okpiMorphologyBorderInit_8u_C3R, okpiDilateBorder_8u_C3R,
+                                         okpiErodeBorder_8u_C3R, okpiDilate_8u_C3R_L, okpiErode_8u_C3R_L},
+        2);
 }
 TEST(DilateErode, U8C4) {
-    expectDefinitionEverywhere(EXPORTS(8u_C4R, uint8_t, const uint8_t*, 4, DataType8u), 3);
+    expectDefinitionEverywhere(
+        Exports<uint8_t, const uint8_t*>{4, DataType8u, okpiMorphologyBorderGetSize_8u_C4R,
+                                         okpiMorphologyBorderInit_8u_C4R, okpiDilateBorder_8u_C4R,
+                                         okpiErodeBorder_8u_C4R, okpiDilate_8u_C4R_L, okpiErode_8u_C4R_L},
+        3);
 }
 TEST(DilateErode, U16) {
-    expectDefinitionEverywhere(EXPORTS(16u_C1R, uint16_t, uint16_t, 1, DataType16u), 4);
+    expectDefinitionEverywhere(
+        Exports<uint16_t, uint16_t>{1, DataType16u, okpiMorphologyBorderGetSize_16u_C1R,
+                                    okpiMorphologyBorderInit_16u_C1R, okpiDilateBorder_16u_C1R,
+                                    okpiErodeBorder_16u_C1R, okpiDilate_16u_C1R_L, okpiErode_16u_C1R_L},
+        4);
 }
 TEST(DilateErode, S16) {
-    expectDefinitionEverywhere(EXPORTS(16s_C1R, int16_t, int16_t, 1, DataType16s), 5);
+    expectDefinitionEverywhere(
+        Exports<int16_t, int16_t>{1, DataType16s, okpiMorphologyBorderGetSize_16s_C1R,
+                                  okpiMorphologyBorderInit_16s_C1R, okpiDilateBorder_16s_C1R,
+                                  okpiErodeBorder_16s_C1R, okpiDilate_16s_C1R_L, okpiErode_16s_C1R_L},
+        5);
 }
 TEST(DilateErode, F32C1) {
-    expectDefinitionEverywhere(EXPORTS(32f_C1R, float, float, 1, DataType32f), 6);
+    expectDefinitionEverywhere(
+        Exports<float, float>{1, DataType32f, okpiMorphologyBorderGetSize_32f_C1R,
+                              okpiMorphologyBorderInit_32f_C1R, okpiDilateBorder_32f_C1R,
+                              okpiErodeBorder_32f_C1R, okpiDilate_32f_C1R_L, okpiErode_32f_C1R_L},
+        6);
 }
 TEST(DilateErode, F32C3) {
-    expectDefinitionEverywhere(EXPORTS(32f_C3R, float, const float*, 3, DataType32f), 7);
+    expectDefinitionEverywhere(
+        Exports<float, const float*>{3, DataType32f, okpiMorphologyBorderGetSize_32f_C3R,
+                                     okpiMorphologyBorderInit_32f_C3R, okpiDilateBorder_32f_C3R,
+                                     okpiErodeBorder_32f_C3R, okpiDilate_32f_C3R_L, okpiErode_32f_C3R_L},
+        7);
 }
 TEST(DilateErode, F32C4) {
-    expectDefinitionEverywhere(EXPORTS(32f_C4R, float, const float*, 4, DataType32f), 8);
+    expectDefinitionEverywhere(
+        Exports<float, const float*>{4, DataType32f, okpiMorphologyBorderGetSize_32f_C4R,
+                                     okpiMorphologyBorderInit_32f_C4R, okpiDilateBorder_32f_C4R,
+                                     okpiErodeBorder_32f_C4R, okpiDilate_32f_C4R_L, okpiErode_32f_C4R_L},
+        8);
 }
 
 }  // namespace

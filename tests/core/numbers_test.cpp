@@ -1,0 +1,39 @@
+// Rounding, clamping and conversion at the edges of their ranges.
+#include "core/numbers.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace okpcv::test {
+namespace {
+
+TEST(Numbers, Saturate) {
+    EXPECT_EQ(saturate<uint8_t>(-1), 0);
+    EXPECT_EQ(saturate<uint8_t>(256), 255);
+    EXPECT_EQ(saturate<int16_t>(INT32_MIN), -32768);
+    EXPECT_EQ(saturate<uint16_t>(INT32_MAX), 65535);
+    EXPECT_EQ(saturate<int32_t>(INT64_MAX), INT32_MAX);
+}
+
+TEST(Numbers, TruncateSaturated) {
+    EXPECT_EQ(truncateSaturated<uint8_t>(254.99F), 254);
+    EXPECT_EQ(truncateSaturated<uint8_t>(-0.5F), 0);
+    EXPECT_EQ(truncateSaturated<int16_t>(-1.99F), -1);
+    EXPECT_EQ(truncateSaturated<int16_t>(-1e30F), -32768);
+    EXPECT_EQ(truncateSaturated<uint16_t>(INFINITY), 65535);
+    EXPECT_EQ(truncateSaturated<uint8_t>(NAN), 0);
+}
+
+TEST(Numbers, ShiftAndProductRules) {
+    EXPECT_EQ(shiftRightHalfUp(3, 1), 2);
+    EXPECT_EQ(shiftRightHalfUp(-3, 1), -1);
+    EXPECT_EQ(shiftRightHalfUp(5, 0), 5);
+    EXPECT_EQ(wrappingProduct(65536, 65536), 0);
+    EXPECT_EQ(wrappingProduct(13, INT32_MAX), static_cast<int32_t>(13LL * INT32_MAX));
+    EXPECT_EQ(roundUp(33, 32), 64);
+    EXPECT_EQ(roundUp(64, 32), 64);
+}
+
+}  // namespace
+}  // namespace okpcv::test
