@@ -15,6 +15,7 @@ struct Gallery {
 
 void addArithPanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
+void addMorphPanels(Gallery& gallery);
 
 // Throws std::runtime_error when the status is an error. Warnings pass.
 void checkStatus(const char* function, okpStatus status);

@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
         addGeometryPanels(gallery);
+        addMorphPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
         if (dimensions(photo) != dimensions(gallery.color)) {
