@@ -126,7 +126,7 @@ class BitEngine {
           header_(spec.header()),
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth),
           scratch_(placeScratch(buffer, sizes_)),
-          plan_(spec, 1, sizes_.window(), scratch_.terms, scratch_.weights) {}
+          plan_(spec, 1, 8, sizes_.window(), scratch_.terms, scratch_.weights) {}
 
     void run() {
         // Pixels of a row that the mask reaches, and of these the first to the last in readable memory.
@@ -209,7 +209,9 @@ class BitEngine {
             for (int64_t i = 0; i < rows; i += BitSizes::kTogether)
                 combineColumnsOfTerms(y, i, std::min(BitSizes::kTogether, rows - i), columns);
             for (int p = 0; p < plan_.planeCount(); ++p) {
-                std::memmove(planeRow(p, 0), planeRow(p, rows), static_cast<size_t>(kept * sizes_.rowBytes));
+                if (plan_.plane(p).inTerms)
+                    std::memmove(planeRow(p, 0), planeRow(p, rows),
+                                 static_cast<size_t>(kept * sizes_.rowBytes));
             }
         }
     }

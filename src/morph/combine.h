@@ -6,6 +6,7 @@
 // combineTall costs 3 loads, 3 maxima and 2 stores at any height.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -311,6 +312,31 @@ OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
     });
 }
 
+// A row of the maxima of kRun elements each, kStep apart, which reach into the next vector at most: one load
+// per vector, and maxima with itself, moved, for each doubling of the run. Reads a vector beyond the row.
+template <class P, int kRun, int kStep, class S, class D>
+OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
+    using Cell = typename P::Cell;
+    constexpr int kLanes = Vec<Cell>::lanes;
+    static_assert((kRun - 1) * kStep <= kLanes);
+    coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<Cell> run[vectors + 1];
+        for (int v = 0; v <= vectors; ++v) run[v] = load(src + x + v * kLanes);
+        const auto widen = [&](auto by) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < vectors; ++v)
+                run[v] = P::Op::of(run[v], slide<by * kStep>(run[v], run[v + 1]));
+            run[vectors] = P::Op::of(run[vectors], slide<by * kStep>(run[vectors], run[vectors]));
+        };
+        constexpr int kDoubled = std::bit_floor(static_cast<unsigned>(kRun));
+        if constexpr (kDoubled > 1) widen(std::integral_constant<int, 1>{});
+        if constexpr (kDoubled > 2) widen(std::integral_constant<int, 2>{});
+        if constexpr (kDoubled > 4) widen(std::integral_constant<int, 4>{});
+        if constexpr (kRun > kDoubled) widen(std::integral_constant<int, kRun - kDoubled>{});
+        for (int v = 0; v < vectors; ++v)
+            storeCells<P>(dst + x + v * kLanes, run[v], extent.from(v * kLanes));
+    });
+}
+
 template <class P, class S, class D, class Take>
 OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Take take) {
     int64_t y = 0;
@@ -354,7 +380,8 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
     watch = seen;
 }
 
-// dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows.
+// dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
+// read, and ignore, a vector beyond each row of src.
 template <class P, class S, class D>
 void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
     if (terms.count() == 1) {
@@ -365,6 +392,22 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     }
     if (terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts) {
         return detail::withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
+            const int64_t first = terms.begin[0].offset;
+            const int64_t apart = terms.begin[1].offset - first;
+            const bool isRun = terms.begin[count - 1].offset - first == apart * (count - 1);
+            const auto fillRuns = [&](auto step) OKPCV_INLINE_LAMBDA {
+                if constexpr ((count - 1) * step <= Vec<S>::lanes) {
+                    if (!isRun || apart != step || width < Vec<S>::lanes) return false;
+                    for (int64_t y = 0; y < rows; ++y)
+                        detail::fillRunRow<P, count, step>(src.row(y) + first, dst.row(y), width);
+                    return true;
+                }
+                return false;
+            };
+            // The elements of a run are as far apart as there are channels.
+            if (fillRuns(std::integral_constant<int, 1>{}) || fillRuns(std::integral_constant<int, 3>{}) ||
+                fillRuns(std::integral_constant<int, 4>{}))
+                return;
             for (int64_t y = 0; y < rows; ++y)
                 detail::fillRow<P, count>(src.row(y), dst.row(y), width, terms);
         });
@@ -372,9 +415,14 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     NoWatch none;
     const int64_t step = src.step;
     detail::fillRows<P>(src, dst, width, rows, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
-        tile.clear();
         const Term* t = terms.begin;
         const Term* end = t + terms.ofHeight[0];
+        if (t != end) {
+            tile.template takeShort<1, true>(p + t->offset, step, none);
+            ++t;
+        } else {
+            tile.clear();
+        }
         for (; t != end; ++t) tile.template takeShort<1, false>(p + t->offset, step, none);
         end += terms.ofHeight[1];
         for (; t != end; ++t) tile.template takeShort<2, false>(p + t->offset, step, none);

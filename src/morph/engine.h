@@ -34,31 +34,27 @@ struct Sizes {
 
     Sizes(int32_t maskW, int32_t maskH, int64_t roiWidth, int channelCount, int64_t bytesOfElement)
         : maskWidth(maskW), maskHeight(maskH), channels(channelCount), elementBytes(bytesOfElement) {
-        // Rows that come in once are used by maskHeight rows of output: taking out at least as many at a time
-        // keeps what is carried over below what is made. 64 rows make that cost small for any mask.
-        blockRows = std::clamp<int64_t>(roundUp(maskHeight, 4), 16, 64);
-        window.rows = maskHeight - 1 + blockRows;
         const int64_t pixelBytes = channels * elementBytes;
-        const int64_t apron = maskWidth - 1;
+        const int64_t apron = maskWidth - 1, kept = maskHeight - 1;
         // At least as wide as the mask, so that what a border reflects lies in the strip.
-        const int64_t widest = std::max({kPlaneBytes / window.rows / pixelBytes - apron,
-                                         kLeastStripBytes / pixelBytes, int64_t{maskWidth}});
+        const int64_t widest =
+            std::max({kRowBytes / pixelBytes - apron, kLeastStripBytes / pixelBytes, int64_t{maskWidth}});
         stripWidth = std::min(roiWidth, widest);
         // An odd number of cache lines, so that a column of a plane is spread over the cache's sets.
         const int64_t rowBytes =
             (roundUp((stripWidth + apron) * pixelBytes, kLineBytes) / kLineBytes | 1) * kLineBytes;
-        window.step = rowBytes / elementBytes;
+        // A plane stays in the nearest cache where it can; but as rows that are kept have to be moved, there
+        // should be more others, up to where that hardly matters.
+        blockRows = roundUp(
+            std::clamp<int64_t>(kPlaneBytes / rowBytes - kept, std::clamp<int64_t>(2 * kept, 8, 64), 64), 4);
+        window = {kept + blockRows, rowBytes / elementBytes};
     }
 
   private:
-    static constexpr int64_t kPlaneBytes = 128 * 1024;
+    static constexpr int64_t kRowBytes = 4096;
     static constexpr int64_t kLeastStripBytes = 512;
+    static constexpr int64_t kPlaneBytes = 32 * 1024;
     static constexpr int64_t kLineBytes = 64;
-};
-
-// An element of a row that stands outside the region, and the one inside it that it equals.
-struct Extension {
-    int64_t outside, inside;
 };
 
 // The scratch memory.
@@ -66,8 +62,7 @@ struct Scratch {
     Term* terms;
     int64_t* weights;
     void* planes;
-    void* borderRows;      // source rows around the region's edges, outside rows included
-    Extension* extension;  // as many as a row has elements outside the region
+    void* borderRows;  // source rows around the region's edges, outside rows included
 };
 
 inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
@@ -77,7 +72,6 @@ inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
     scratch.borderRows = area.take<char>(windowBytes, 64);
     scratch.terms = area.take<Term>(int64_t{sizes.maskWidth} * sizes.maskHeight);
     scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
-    scratch.extension = area.take<Extension>(int64_t{sizes.maskWidth} * sizes.channels);
     return scratch;
 }
 
@@ -105,7 +99,8 @@ class Engine {
           header_(spec.header()),
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth, job.channels, sizeof(Cell)),
           scratch_(placeScratch(buffer, sizes_)),
-          plan_(spec, job.channels, sizes_.window, scratch_.terms, scratch_.weights) {
+          plan_(spec, job.channels, 7 * job.channels <= Vec<Cell>::lanes ? 8 : 4, sizes_.window,
+                scratch_.terms, scratch_.weights) {
         for (int c = 0; c < 4; ++c) {
             const Vec<Pixel> value = broadcast(job.value[c]);
             if (job.border.kind() == BorderConstant) watch_.see(value);
@@ -148,7 +143,6 @@ class Engine {
         to_ = x + width + header_.rightExtent;
         readableFrom_ = border.leftInMemory() ? from_ : std::max<int64_t>(from_, 0);
         readableTo_ = border.rightInMemory() ? to_ : std::min(to_, job_.size.width);
-        planExtension();
         const int64_t readable = (readableFrom_ - from_) * job_.channels;
         RowIntake<P, Watch> intake({job_.src.row(0) + readableFrom_ * job_.channels, job_.src.step},
                                    {(readableTo_ - readableFrom_) * job_.channels, job_.size.height}, border,
@@ -193,8 +187,11 @@ class Engine {
                 makePlane(p, planeRows(plan_.plane(p).source, old), old, kept + rows - old);
             writeRows(destination(x, y), width * job_.channels, rows);
             for (int p = 0; p < plan_.planeCount(); ++p) {
-                std::memmove(planeRow(p, 0), planeRow(p, rows),
-                             static_cast<size_t>(kept * sizes_.window.step) * sizeof(Cell));
+                if (!plan_.plane(p).inTerms) continue;
+                for (int64_t i = 0; i < kept; ++i) {
+                    std::memcpy(planeRow(p, i), planeRow(p, rows + i),
+                                static_cast<size_t>(to_ - from_) * job_.channels * sizeof(Cell));
+                }
             }
         }
         return true;
@@ -251,30 +248,43 @@ class Engine {
         }
     }
 
-    // Finds out what stands in the columns of plane 0 that are not in readable memory.
-    void planExtension() {
-        extended_ = 0;
-        const auto addColumns = [&](int64_t from, int64_t to) {
-            for (int64_t x = from; x < to; ++x) {
-                const int64_t source = job_.border.column(x, job_.size.width);
-                for (int c = 0; c < job_.channels; ++c) {
-                    const int64_t inside =
-                        source == Border::kValue ? c : (source - from_) * job_.channels + c;
-                    scratch_.extension[extended_++] = {(x - from_) * job_.channels + c, inside};
-                }
-            }
-        };
-        addColumns(from_, readableFrom_);
-        addColumns(readableTo_, to_);
-    }
-    // Makes those columns in rows `first` to `end` - 1.
+    // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.
     void extendRows(int64_t first, int64_t end) const {
-        const bool constant = job_.border.kind() != BorderReplicate && job_.border.kind() != BorderMirror;
+        if (readableFrom_ == from_ && readableTo_ == to_) return;
         for (int64_t i = first; i < end; ++i) {
-            Cell* const row = planeRow(0, i);
-            const Cell* const inside = constant ? value_ : row;
-            for (int64_t e = 0; e < extended_; ++e)
-                row[scratch_.extension[e].outside] = inside[scratch_.extension[e].inside];
+            switch (job_.channels) {
+                case 1:
+                    extendRow<1>(planeRow(0, i));
+                    break;
+                case 3:
+                    extendRow<3>(planeRow(0, i));
+                    break;
+                default:
+                    extendRow<4>(planeRow(0, i));
+            }
+        }
+    }
+    template <int kChannels>
+    OKPCV_INLINE void extendRow(Cell* row) const {
+        Cell* const columnZero = row - from_ * kChannels;
+        const int64_t width = job_.size.width;
+        if (job_.border.kind() == BorderMirror) {
+            produceColumns<kChannels>(row, columnZero, width, from_, readableFrom_, job_.border, value_);
+            produceColumns<kChannels>(columnZero + readableTo_ * kChannels, columnZero, width, readableTo_,
+                                      to_, job_.border, value_);
+            return;
+        }
+        const bool replicates = job_.border.kind() == BorderReplicate;
+        repeat<kChannels>(row, replicates ? columnZero : value_, readableFrom_ - from_);
+        repeat<kChannels>(columnZero + readableTo_ * kChannels,
+                          replicates ? columnZero + (width - 1) * kChannels : value_, to_ - readableTo_);
+    }
+    template <int kChannels>
+    static OKPCV_INLINE void repeat(Cell* to, const Cell* pixel, int64_t count) {
+        Cell value[kChannels];
+        for (int c = 0; c < kChannels; ++c) value[c] = pixel[c];
+        for (int64_t x = 0; x < count; ++x) {
+            for (int c = 0; c < kChannels; ++c) to[x * kChannels + c] = value[c];
         }
     }
 
@@ -287,7 +297,6 @@ class Engine {
     Watch watch_;
     Cell value_[4];
     int64_t from_ = 0, to_ = 0, readableFrom_ = 0, readableTo_ = 0;
-    int64_t extended_ = 0;
 };
 
 // Runs the operation on images whose rows are whole bytes.

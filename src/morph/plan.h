@@ -5,6 +5,7 @@
 // which overlaps. Blocks of the mask whose length no plane has take the longest runs that fit.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "morph/combine.h"
@@ -20,11 +21,12 @@ struct Window {
 
 class Plan {
   public:
-    static constexpr int kMaxPlanes = 10;
+    static constexpr int kMaxPlanes = 16;
 
     struct Plane {
         int32_t run;     // the length of its runs
         int32_t source;  // the plane that it is made from
+        bool inTerms;    // whether output pixels combine its runs
         int32_t parts;
         Term steps[kMostParts];
 
@@ -32,8 +34,9 @@ class Plan {
     };
 
     // `terms` has room for a term per element of the mask, `weights` for a number per column and one more.
-    Plan(const Spec& spec, int channels, Window window, Term* terms, int64_t* weights)
-        : channels_(channels), window_(window), terms_{terms, {}, 0} {
+    // `firstRun` is the length of runs that is cheap to make at once.
+    Plan(const Spec& spec, int channels, int32_t firstRun, Window window, Term* terms, int64_t* weights)
+        : channels_(channels), firstRun_(firstRun), window_(window), terms_{terms, {}, 0} {
         choosePlanes(spec, weights);
         // A rectangle's plane 0 holds its vertical maxima; only its run along the rows is left.
         const bool upright = spec.isRectangle();
@@ -55,6 +58,10 @@ class Plan {
     TermList terms() const { return terms_; }
 
   private:
+    // Planes that may be the mask's own lengths; the others are for steps to the longest runs, which are
+    // 65535 elements.
+    static constexpr int kMostOwnPlanes = 7;
+
     static constexpr int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }
 
     // The plane of the longest runs that fit into one of this length.
@@ -79,7 +86,7 @@ class Plan {
 
     void addPlane(int32_t length) {
         Plane& plane = planes_[planeCount_];
-        plane = {length, planeFor(length), 0, {}};
+        plane = {length, planeFor(length), false, 0, {}};
         visitParts(length, planes_[plane.source].run, [&](int64_t offset) {
             plane.steps[plane.parts++] = {offset, 1};
         });
@@ -90,43 +97,61 @@ class Plan {
         const int plane = planeFor(block.length);
         const int64_t base =
             plane * window_.planeElements() + block.row * window_.step + int64_t{block.column} * channels_;
+        planes_[plane].inTerms = true;
         visitParts(block.length, planes_[plane].run, [&](int64_t offset) {
             terms[terms_.count()] = {base + offset, block.height};
             ++count;
         });
     }
 
-    // First powers of 4, until the longest run has few parts; then, from short to long, the mask's own
-    // lengths where a plane saves more loads than it costs.
+    // From short to long, the mask's own lengths where a plane saves more loads than it costs; then powers of
+    // 4 times the longest of them, until the longest run has few parts.
     void choosePlanes(const Spec& spec, int64_t* weights) {
-        planes_[0].run = 1;
+        planes_[0] = {1, 0, false, 0, {}};
         planeCount_ = 1;
         int32_t longest = 1;
         for (int32_t i = 0; i < spec.header().blockCount; ++i) {
             if (const int32_t length = spec.block(i).length; length > longest) longest = length;
         }
-        for (int32_t run = 4; partsOf(longest) > kMostParts; run *= 4) addPlane(run);
-        if (spec.header().blockCount == 1) return;
-
-        for (int32_t length = 0; length <= longest; ++length) weights[length] = 0;
-        for (int32_t i = 0; i < spec.header().blockCount; ++i) {
-            const Spec::Place block = spec.block(i);
-            weights[block.length] += block.height + 3;  // in quarters of a load, see combine.h
-        }
-        for (int32_t length = 2; length <= longest && planeCount_ < kMaxPlanes; ++length) {
-            const int64_t parts = partsOf(length);
-            if (weights[length] == 0 || parts == 1) continue;
-            int64_t saved = 0;
-            for (int32_t longer = length; longer <= longest; ++longer) {
-                if (weights[longer] == 0) continue;
-                const int64_t less = partsOf(longer) - ceilDiv(longer, length);
-                if (less > 0) saved += weights[longer] * less;
+        if (spec.header().blockCount > 1) {
+            for (int32_t length = 0; length <= longest; ++length) weights[length] = 0;
+            for (int32_t i = 0; i < spec.header().blockCount; ++i) {
+                const Spec::Place block = spec.block(i);
+                weights[block.length] += block.height + 3;  // in quarters of a load, see combine.h
             }
-            if (saved > 4 * (parts + 2)) addPlane(length);
+            for (int32_t length = 2; length <= longest; ++length) {
+                if (weights[length] != 0 && planeCount_ < kMostOwnPlanes)
+                    considerPlane(length, longest, weights);
+            }
         }
+        while (partsOf(longest) > std::max(4, firstRun_)) addPlane(nextRun(longest));
+    }
+
+    // The length of runs to make next on the way to a longer one.
+    int32_t nextRun(int32_t length) const {
+        const int32_t run = planes_[planeFor(length)].run;
+        return run == 1 ? firstRun_ : 4 * run;
+    }
+
+    void considerPlane(int32_t length, int32_t longest, const int64_t* weights) {
+        const int64_t parts = partsOf(length);
+        if (parts == 1) return;
+        if (parts > kMostParts) {
+            // Too far from the runs that there are: go there in steps of 4.
+            addPlane(nextRun(length));
+            return considerPlane(length, longest, weights);
+        }
+        int64_t saved = 0;
+        for (int32_t longer = length; longer <= longest; ++longer) {
+            if (weights[longer] == 0) continue;
+            const int64_t less = partsOf(longer) - ceilDiv(longer, length);
+            if (less > 0) saved += weights[longer] * less;
+        }
+        if (saved > 4 * (parts + 2)) addPlane(length);
     }
 
     int channels_;
+    int32_t firstRun_;
     Window window_;
     int planeCount_ = 0;
     Plane planes_[kMaxPlanes];
