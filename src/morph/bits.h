@@ -101,7 +101,7 @@ inline BitScratch layOutBitScratch(Area& area, const BitSizes& sizes) {
     scratch.copies = area.take<uint8_t>(sizes.rows * sizes.rowBytes, kVectorBytes);
     scratch.columnRows =
         area.take<uint8_t>(sizes.maskWidth * BitSizes::kTogether * sizes.rowBytes, kVectorBytes);
-    scratch.terms = area.take<Term>(elements);
+    scratch.terms = area.take<Term>(2 * elements);
     scratch.sorted = area.take<Term>(elements);
     scratch.columns = area.take<BitScratch::Column>(sizes.maskWidth);
     scratch.parts = area.take<BitScratch::Part>(sizes.maskWidth);
@@ -232,21 +232,13 @@ class BitEngine {
         }
     }
 
-    // Calls visit(column, row of bytes, height) for the plan's terms, shortest first; the rows of a slanted
-    // line one by one.
+    // Calls visit(column, row of bytes, height) for the plan's terms, shortest first.
     template <class Visit>
     void visitTerms(Visit visit) const {
-        const TermList all = plan_.terms();
+        const TermList all = header_.slope == 0 ? plan_.terms() : plan_.rowByRow();
         const int64_t rowBits = sizes_.window().step;
-        for (const Term* t = all.begin; t != all.begin + all.count(); ++t) {
-            const auto column = static_cast<int32_t>(t->offset % rowBits);
-            const int64_t row = t->offset / rowBits;
-            if (header_.slope == 0) {
-                visit(column, row, t->height);
-            } else {
-                for (int32_t r = 0; r < t->height; ++r) visit(column + r * header_.slope, row + r, 1);
-            }
-        }
+        for (const Term* t = all.begin; t != all.begin + all.count(); ++t)
+            visit(static_cast<int32_t>(t->offset % rowBits), t->offset / rowBits, t->height);
     }
 
     // Sorts the plan's terms by their column, keeping the order of heights, with offsets in bytes; returns

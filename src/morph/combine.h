@@ -48,6 +48,7 @@ struct Integers {
     using Pixel = T;
     using Cell = T;
     using Op = Operation;
+    static constexpr bool kCellsArePixels = true;
     static OKPCV_INLINE Vec<T> toCells(Vec<T> v) { return v; }
     static OKPCV_INLINE Vec<T> toPixels(Vec<T> v) { return v; }
 };
@@ -60,6 +61,7 @@ struct OrderedFloats {
     using Pixel = float;
     using Cell = int32_t;
     using Op = Operation;
+    static constexpr bool kCellsArePixels = false;
     static OKPCV_INLINE Vec<int32_t> toCells(Vec<float> v) { return invertIfNegative(bitCast<int32_t>(v)); }
     static OKPCV_INLINE Vec<float> toPixels(Vec<int32_t> v) { return bitCast<float>(invertIfNegative(v)); }
 
@@ -75,6 +77,7 @@ struct PlainFloats {
     using Pixel = float;
     using Cell = float;
     using Op = Operation;
+    static constexpr bool kCellsArePixels = false;  // as they are to be watched
     static OKPCV_INLINE Vec<float> toCells(Vec<float> v) { return v; }
     static OKPCV_INLINE Vec<float> toPixels(Vec<float> v) { return v; }
 };

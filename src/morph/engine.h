@@ -70,7 +70,7 @@ inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
     const int64_t windowBytes = sizes.window.planeElements() * sizes.elementBytes;
     scratch.planes = area.take<char>(Plan::kMaxPlanes * windowBytes, 64);
     scratch.borderRows = area.take<char>(windowBytes, 64);
-    scratch.terms = area.take<Term>(int64_t{sizes.maskWidth} * sizes.maskHeight);
+    scratch.terms = area.take<Term>(2 * int64_t{sizes.maskWidth} * sizes.maskHeight);
     scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
     return scratch;
 }
@@ -215,37 +215,26 @@ class Engine {
 
     void writeRows(Image<Pixel> dst, int64_t width, int64_t rows) {
         const Image<const Cell> src = planeRows(0, 0);
-        const int64_t slope = int64_t{header_.slope} * job_.channels;
-        if (slope == 0) return combine(src, dst, width, rows, plan_.terms());
+        if (header_.slope == 0) return combine(src, dst, width, rows, plan_.terms());
         // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
-        // the columns that all have are done; the ends of the rows follow one by one.
-        const Image<const Cell> slantedSrc{src.data, src.step + slope * int64_t{sizeof(Cell)}};
-        const Image<Pixel> slantedDst{dst.data, dst.step + slope * int64_t{sizeof(Pixel)}};
-        constexpr int kTogether = 4, kLanes = Vec<Cell>::lanes;
+        // the columns that all have are done; the ends of the rows follow, as whole vectors, row by row of
+        // the mask.
+        const int64_t slope = int64_t{header_.slope} * job_.channels;
+        constexpr int64_t kTogether = 4;
         const int64_t shift = (kTogether - 1) * (slope < 0 ? -slope : slope);
-        const int64_t common = width - shift;
-        for (int64_t y = 0; y < rows;) {
-            const auto one = [&](int64_t row, int64_t x, int64_t count) {
-                combine({src.row(row) + x, slantedSrc.step}, Image<Pixel>{dst.row(row) + x, dst.step}, count,
-                        1, plan_.terms());
-            };
-            if (rows - y < kTogether || common < kLanes) {
-                one(y++, 0, width);
-                continue;
-            }
+        const int64_t end = std::max<int64_t>(shift, Vec<Cell>::lanes);
+        const TermList rowByRow = plan_.rowByRow();
+        int64_t y = 0;
+        for (; y + kTogether <= rows && width >= 2 * end; y += kTogether) {
             const int64_t begin = slope < 0 ? shift : 0;
-            combine({src.row(y) + begin, slantedSrc.step}, Image<Pixel>{dst.row(y) + begin, slantedDst.step},
-                    common, kTogether, plan_.terms());
-            for (int64_t r = 0; r < kTogether; ++r, ++y) {
-                // The columns before and after those that were done; a whole vector is as cheap as a part.
-                const int64_t before = begin + r * slope, after = width - common - before;
-                if (before > 0) one(y, 0, std::max<int64_t>(before, kLanes));
-                if (after > 0) {
-                    const int64_t count = std::max<int64_t>(after, kLanes);
-                    one(y, width - count, count);
-                }
-            }
+            combine({src.row(y) + begin, src.step + slope * int64_t{sizeof(Cell)}},
+                    Image<Pixel>{dst.row(y) + begin, dst.step + slope * int64_t{sizeof(Pixel)}},
+                    width - shift, kTogether, plan_.terms());
+            combine({src.row(y), src.step}, Image<Pixel>{dst.row(y), dst.step}, end, kTogether, rowByRow);
+            combine({src.row(y) + width - end, src.step}, Image<Pixel>{dst.row(y) + width - end, dst.step},
+                    end, kTogether, rowByRow);
         }
+        combine({src.row(y), src.step}, Image<Pixel>{dst.row(y), dst.step}, width, rows - y, rowByRow);
     }
 
     // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.

@@ -51,7 +51,13 @@ class RowIntake {
             if (source == Border::kValue) fillRow(copies_.row(0));
             const Image<const Pixel> rows{source == Border::kValue ? copies_.data : src_.row(source),
                                           src_.step};
-            combineColumns<P>(rows, Image<Cell>{rows_.row(i), rows_.step}, size_.width, count, 1, watch_);
+            if constexpr (P::kCellsArePixels) {
+                for (int64_t r = 0; r < count; ++r)
+                    std::memcpy(rows_.row(i + r), rows.row(r),
+                                static_cast<size_t>(size_.width) * sizeof(Pixel));
+            } else {
+                combineColumns<P>(rows, Image<Cell>{rows_.row(i), rows_.step}, size_.width, count, 1, watch_);
+            }
             i += count;
             y += count;
         }

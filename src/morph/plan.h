@@ -33,7 +33,7 @@ class Plan {
         TermList terms() const { return {steps, {parts, 0, 0}, 0}; }
     };
 
-    // `terms` has room for a term per element of the mask, `weights` for a number per column and one more.
+    // `terms` has room for two terms per element of the mask, `weights` for a number per column and one more.
     // `firstRun` is the length of runs that is cheap to make at once.
     Plan(const Spec& spec, int channels, int32_t firstRun, Window window, Term* terms, int64_t* weights)
         : channels_(channels), firstRun_(firstRun), window_(window), terms_{terms, {}, 0} {
@@ -50,12 +50,15 @@ class Plan {
         for (int32_t height = 1; height <= 3; ++height)
             addAll([height](int32_t h) { return h == height; }, terms_.ofHeight[height - 1]);
         addAll([](int32_t h) { return h > 3; }, terms_.taller);
+        if (spec.header().slope != 0) rowByRow_ = addRowByRow(spec.header().slope, terms);
     }
 
     int planeCount() const { return planeCount_; }
     const Plane& plane(int i) const { return planes_[i]; }
     // What an output pixel combines, relative to the element of plane 0 under the mask's first element.
     TermList terms() const { return terms_; }
+    // The same for a slanted line, row by row.
+    TermList rowByRow() const { return rowByRow_; }
 
   private:
     // Planes that may be the mask's own lengths; the others are for steps to the longest runs, which are
@@ -104,6 +107,18 @@ class Plan {
         });
     }
 
+    // Appends the terms of a slanted line, row by row, to the others.
+    TermList addRowByRow(int32_t slope, Term* terms) const {
+        TermList rows{terms_.begin + terms_.count(), {}, 0};
+        Term* next = terms + terms_.count();
+        for (const Term* t = terms_.begin; t != rows.begin; ++t) {
+            for (int32_t r = 0; r < t->height; ++r)
+                *next++ = {t->offset + r * (window_.step + int64_t{slope} * channels_), 1};
+            rows.ofHeight[0] += t->height;
+        }
+        return rows;
+    }
+
     // From short to long, the mask's own lengths where a plane saves more loads than it costs; then powers of
     // 4 times the longest of them, until the longest run has few parts.
     void choosePlanes(const Spec& spec, int64_t* weights) {
@@ -147,7 +162,9 @@ class Plan {
             const int64_t less = partsOf(longer) - ceilDiv(longer, length);
             if (less > 0) saved += weights[longer] * less;
         }
-        if (saved > 4 * (parts + 2)) addPlane(length);
+        // In quarters of a load, with the store; short runs of single elements are made in the registers.
+        const int64_t cost = planeFor(length) == 0 && parts <= firstRun_ ? 12 : 4 * (parts + 2);
+        if (saved > cost) addPlane(length);
     }
 
     int channels_;
@@ -156,6 +173,7 @@ class Plan {
     int planeCount_ = 0;
     Plane planes_[kMaxPlanes];
     TermList terms_;
+    TermList rowByRow_{};
 };
 
 }  // namespace okpcv::morph
