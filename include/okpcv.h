@@ -13,6 +13,7 @@
 #include "okpcv/segment.h"
 #include "okpcv/integral.h"
 #include "okpcv/stats.h"
+#include "okpcv/morph.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */

@@ -72,6 +72,7 @@ int main(int argc, char** argv) {
         addIntegralPanels(gallery);
         addFeaturePanels(gallery);
         addGeometryPanels(gallery);
+        addMorphPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
         if (dimensions(photo) != dimensions(gallery.color)) {

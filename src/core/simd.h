@@ -15,7 +15,7 @@
 #include <type_traits>
 
 #define OKPCV_INLINE inline __attribute__((always_inline))
-// The same for lambdas, which take no `inline`.
+// The same for a lambda, behind its parameters.
 #define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace okpcv {
@@ -554,7 +554,8 @@ OKPCV_INLINE Vec<T> sqrt(Vec<T> a) {
     }
 }
 
-// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign.
+// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign. A shift by a
+// lane's width or more leaves no bit.
 template <class T>
 OKPCV_INLINE Vec<T> shiftLeft(Vec<T> a, int bits) {
     if constexpr (sizeof(T) == 2) {
@@ -708,6 +709,13 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
         z = _mm_unpackhi_epi64(x, y);
     }
     return bitCast<T>(Vec<int32_t>{z});
+}
+// The bytes of each lane in the opposite order.
+template <class T>
+OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
+    static_assert(sizeof(T) == 8);
+    const __m128i order = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
+    return {_mm_shuffle_epi8(a.raw, order)};
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {

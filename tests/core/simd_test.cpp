@@ -352,6 +352,13 @@ TEST(Simd, ConvertsFloats) {
               (Lanes<int32_t>{INT32_MAX, 0, INT32_MIN, -7}));
 }
 
+TEST(Simd, ReversesBytes) {
+    const Lanes<uint64_t> reversed =
+        lanesOf(reverseBytes(vectorOf(Lanes<uint64_t>{0x0102030405060708U, 0xFF00000000000080U})));
+    EXPECT_EQ(reversed[0], 0x0807060504030201U);
+    EXPECT_EQ(reversed[1], 0x80000000000000FFU);
+}
+
 TEST(Simd, AddsProductsAndDistances) {
     const Lanes<int16_t> a{-32768, -32768, 1, 2, 3, 4, 30000, 30000};
     const Lanes<int16_t> b{-32768, 32767, 5, 6, 7, 8, 30000, -30000};
