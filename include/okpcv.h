@@ -8,6 +8,7 @@
 #include "okpcv/types.h"
 
 #include "okpcv/arith.h"
+#include "okpcv/filter.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */

@@ -15,10 +15,13 @@
 #include <type_traits>
 
 #define OKPCV_INLINE inline __attribute__((always_inline))
+// The same for a lambda, behind its parameters.
+#define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace okpcv {
 
 inline constexpr int kVectorBytes = 16;
+inline constexpr int kCacheLineBytes = 64;
 
 namespace detail {
 template <class T>
@@ -210,6 +213,21 @@ OKPCV_INLINE void store(T* p, Vec<T> v, Streamed) {
 template <class T>
 OKPCV_INLINE void store(T* p, Vec<T> v, Part part) {
     detail::storeBytes(p, bitCast<int32_t>(v).raw, part.count * int{sizeof(T)});
+}
+
+// Stores the first N lanes, or of a part those among them.
+template <int N, class T, class Extent>
+OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
+    static_assert(N < Vec<T>::lanes);
+    if constexpr (std::is_same_v<Extent, Part>) {
+        store(p, v, Part{extent.count < N ? extent.count : N});
+    } else if constexpr (N * int{sizeof(T)} == 8) {
+        detail::storeScalar(p, _mm_cvtsi128_si64(bitCast<int32_t>(v).raw));
+    } else if constexpr (N * int{sizeof(T)} == 4) {
+        detail::storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
+    } else {
+        store(p, v, Part{N});
+    }
 }
 
 // Orders the streaming stores before it against whatever the caller does next.
@@ -627,6 +645,14 @@ OKPCV_INLINE Vec<int32_t> truncateToInt(Vec<float> a) {
 OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
     return {_mm_cvtps_epi32(a.raw)};
 }
+// Truncated towards zero, for narrowSaturated<T> to finish: the two together are truncateSaturated<T> (see
+// numbers.h) in every lane. Below the range and for NaN the conversion gives INT32_MIN, which narrows to the
+// smallest T; so only the upper side needs a clamp, and its operands are ordered to let NaN through.
+template <class T>
+OKPCV_INLINE Vec<int32_t> truncateToNarrow(Vec<float> a) {
+    static_assert(kIsInt<T> && sizeof(T) <= 2);
+    return truncateToInt(min(broadcast(static_cast<float>(std::numeric_limits<T>::max())), a));
+}
 // Two vectors of doubles rounded to single precision.
 OKPCV_INLINE Vec<float> narrow(Vec<double> low, Vec<double> high) {
     return {_mm_movelh_ps(_mm_cvtpd_ps(low.raw), _mm_cvtpd_ps(high.raw))};
@@ -681,6 +707,12 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
         z = _mm_unpackhi_epi64(x, y);
     }
     return bitCast<T>(Vec<int32_t>{z});
+}
+// Lane N in all lanes.
+template <int N, class T>
+OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N * 0x55)});
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {

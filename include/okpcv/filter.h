@@ -1,0 +1,442 @@
+/**
+ * @file filter.h
+ * @brief Linear filters: separable filters with the caller's kernels.
+ */
+#ifndef OKPCV_FILTER_H
+#define OKPCV_FILTER_H
+
+#include "okpcv/types.h"
+
+/**
+ * @defgroup separable Separable filters
+ * @brief Correlation with a kernel that is the product of a row kernel and a column kernel.
+ *
+ * With a row kernel @f$ k @f$ of length @f$ k_w @f$, a column kernel @f$ l @f$ of length @f$ k_h @f$, anchors
+ * @f$ a_x = \lfloor (k_w - 1) / 2 \rfloor @f$ and @f$ a_y = \lfloor (k_h - 1) / 2 \rfloor @f$ (so a kernel
+ * of even length has one more tap behind the pixel than before it), and @f$ r = 1 / divisor @f$ rounded to
+ * single precision:
+ *
+ * @f[ R(x, y) = r \sum_{i=0}^{k_w-1} k_i \, src(x - a_x + i, y), \qquad
+ *     dst(x, y) = C\Bigl( r \sum_{j=0}^{k_h-1} l_j \, R(x, y - a_y + j) \Bigr) @f]
+ *
+ * The kernels are not flipped. All arithmetic is IEEE single precision, one rounding per operation, terms
+ * added in kernel order beginning with zero; results are the same bit for bit at every width, step and
+ * alignment. Where NaNs meet, which of them results is not defined.
+ *
+ * - Integer kernels carry a divisor, which applies to both passes: the pair 1 2 1 / 1 2 1 is normalised by
+ * the divisor 4. Products of coefficients and pixels are exact before they are rounded to single precision.
+ * - Float kernels have no divisor (@f$ r @f$ does not occur).
+ * - @f$ C @f$ stores floats unchanged and clamps to the range of an integer type, then truncates towards
+ * zero: 254.9 becomes 254, and NaN the smallest value of the type.
+ *
+ * Use: ask okpiFilterSeparableGetSpecSize() and okpiFilterSeparableGetBufferSize() how much memory is needed,
+ * fill the spec with okpiFilterSeparableInit_16s() or okpiFilterSeparableInit_32f() once, then filter any
+ * number of times. A spec points into itself: it must not be moved or copied (initialise it again at its new
+ * place instead). Filtering only reads it, so calls that run at the same time may share it, each with a
+ * buffer of its own.
+ * @{
+ */
+
+/**
+ * @brief Bytes of a spec.
+ *
+ * @f$ e (k_w + k_h) + 127 @f$ for kernel elements of @f$ e @f$ bytes.
+ *
+ * @param[in]  kernelSize  Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  kernelType  #DataType16s for integer kernels, #DataType32f for float kernels.
+ * @param[in]  numChannels Channels of the images: 1, 3 or 4.
+ * @param[out] pSpecSize   Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadDataType: another kernel type;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetSpecSize(RoiSize kernelSize, DataTypeCode kernelType,
+                                                   int32_t numChannels, int32_t* pSpecSize);
+
+/**
+ * @brief Bytes of a spec, as a 64-bit count.
+ * @copydetails okpiFilterSeparableGetSpecSize
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetSpecSize_L(RoiSize kernelSize, DataTypeCode kernelType,
+                                                     int32_t numChannels, int64_t* pSpecSize);
+
+/**
+ * @brief Bytes of a work buffer.
+ *
+ * @f$ 256 k_w + 8 k_h + 4 C (e k_w + k_h (width + k_w - 1)) @f$ for kernel elements of @f$ e @f$ bytes and
+ * @f$ C @f$ channels. A buffer serves every region that is not wider, whatever its height.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  kernelSize  Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  dataType    Type of the source: #DataType8u, #DataType16u, #DataType16s or #DataType32f.
+ * @param[in]  kernelType  #DataType16s for integer kernels, #DataType32f for float kernels.
+ * @param[in]  numChannels Channels of the images: 1, 3 or 4.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusBadSize: a width, height or kernel length below 1;
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadDataType: another type of source or kernel;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetBufferSize(RoiSize roiSize, RoiSize kernelSize,
+                                                     DataTypeCode dataType, DataTypeCode kernelType,
+                                                     int32_t numChannels, int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer, for 64-bit region sizes and as a 64-bit count.
+ * @copydetails okpiFilterSeparableGetBufferSize
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetBufferSize_L(RoiSizeL roiSize, RoiSize kernelSize,
+                                                       DataTypeCode dataType, DataTypeCode kernelType,
+                                                       int32_t numChannels, int64_t* pBufferSize);
+
+/**
+ * @brief Fills a spec with integer kernels.
+ *
+ * @param[in]  pRowKernel    Row kernel; copied.
+ * @param[in]  pColumnKernel Column kernel; copied.
+ * @param[in]  kernelSize    Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  divisor       Divisor of both passes; may be negative.
+ * @param[in]  scaleFactor   Filters with signed 16-bit destinations multiply their results by
+ *                           @f$ 2^{-scaleFactor} @f$ before they convert them; others ignore it. Usually 0.
+ * @param[in]  dataType      Type of the source: #DataType8u or #DataType16s.
+ * @param[in]  numChannels   Channels of the images: 1, 3 or 4.
+ * @param[out] pSpec         Spec, of the size that okpiFilterSeparableGetSpecSize() reports for
+ *                           #DataType16s.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadDataType: another type of source;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusZeroDivisor: the divisor is zero.
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_16s(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                                RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                                DataTypeCode dataType, int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with integer kernels; the same function under the name of the `_L` family.
+ * @copydetails okpiFilterSeparableInit_16s
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_16s_L(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                                  RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                                  DataTypeCode dataType, int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with float kernels.
+ *
+ * @param[in]  pRowKernel    Row kernel; copied.
+ * @param[in]  pColumnKernel Column kernel; copied.
+ * @param[in]  kernelSize    Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  dataType      Type of the source: #DataType8u, #DataType16u or #DataType32f.
+ * @param[in]  numChannels   Channels of the images: 1, 3 or 4.
+ * @param[out] pSpec         Spec, of the size that okpiFilterSeparableGetSpecSize() reports for
+ *                           #DataType32f.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadDataType: another type of source;
+ *         - #okpStatusBadNumChannels: another number of channels.
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_32f(const float* pRowKernel, const float* pColumnKernel,
+                                                RoiSize kernelSize, DataTypeCode dataType,
+                                                int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with float kernels; the same function under the name of the `_L` family.
+ * @copydetails okpiFilterSeparableInit_32f
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const float* pColumnKernel,
+                                                  RoiSize kernelSize, DataTypeCode dataType,
+                                                  int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Filters 8-bit images with integer or float kernels.
+ *
+ * @f$ dst @f$ as given above for the group, each channel by itself. Pixels outside the region come from the
+ * border. The rows that a constant border adds above and below the region have the intermediate value
+ * (borderValue times the sum of the row kernel) times @f$ r @f$ in every column.
+ *
+ * @param[in]  pSrc         Source.
+ * @param[in]  srcStep      Step of the source in bytes.
+ * @param[out] pDst         Destination; may be equal to the source if their steps and pixels are of the same
+ *                          size, but must not overlap it otherwise.
+ * @param[in]  dstStep      Step of the destination in bytes.
+ * @param[in]  roiSize      Size of the region in pixels.
+ * @param[in]  borderType   #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left, @f$ k_w - 1
+ * - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ k_h - 1 - a_y @f$ below are read. Where a region is
+ * too small to be mirrored once, it is mirrored repeatedly.
+ * @param[in]  borderValue  Value of #BorderConstant, in the source's type (for images of several channels a
+ *                          pointer to one value per channel); ignored for other kinds.
+ * @param[in]  pSpec        Spec that an initialiser has filled for this type of source.
+ * @param[in]  pBuffer      Work buffer, of the size that okpiFilterSeparableGetBufferSize() reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
+ *         - #okpStatusNullPointer: the spec is not initialised (its bytes are zero);
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C1R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of three channels with integer or float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const uint8_t* pBorderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of three channels with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C3R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const uint8_t* pBorderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of four channels with integer or float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C4R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const uint8_t* pBorderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of four channels with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C4R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const uint8_t* pBorderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C1R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of three channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  const uint8_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of three channels with integer kernels, for 64-bit sizes
+ * and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    const uint8_t* pBorderValue, const void* pSpec,
+                                                    void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of four channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  const uint8_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of four channels with integer kernels, for 64-bit sizes
+ * and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    const uint8_t* pBorderValue, const void* pSpec,
+                                                    void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C1R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of three channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C3R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const int16_t* pBorderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of three channels with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C3R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const int16_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of four channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C4R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const int16_t* pBorderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of four channels with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C4R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const int16_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C1R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of three channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C3R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const uint16_t* pBorderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of three channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C3R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const uint16_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of four channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C4R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const uint16_t* pBorderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of four channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C4R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const uint16_t* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters float images with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C1R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of three channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C3R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const float* pBorderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of three channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C3R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const float* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters float images of four channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C4R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const float* pBorderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of four channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const float* pBorderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/** @} */
+
+#endif /* OKPCV_FILTER_H */

@@ -1,0 +1,356 @@
+// Separable filters: a row kernel, then a column kernel, given by the caller as 16-bit integers with a common
+// divisor or as floats. Both passes sum in kernel order in single precision, and both multiply by the
+// reciprocal of the divisor.
+#include <cmath>
+#include <cstring>
+
+#include "core/area.h"
+#include "core/border.h"
+#include "core/checks.h"
+#include "core/fp_control.h"
+#include "core/image.h"
+#include "core/numbers.h"
+#include "filter/column_pass.h"
+#include "filter/row_pass.h"
+#include "filter/separable_engine.h"
+#include "okpcv/filter.h"
+
+namespace okpcv {
+namespace {
+
+enum KernelKind : int32_t { IntegerKernels = 0, FloatKernels = 1 };
+
+// The caller's spec area: this record, then at kKernelOffset the row kernel and the column kernel. Specs may
+// lie at any address, so the record is copied in and out.
+struct SeparableSpec {
+    int32_t kernelKind;
+    int32_t kernelWidth;
+    int32_t kernelHeight;
+    int32_t divisor;
+    int32_t scaleFactor;
+    void* rowKernel;
+    int64_t reserved1;
+    void* columnKernel;
+    int64_t reserved2;
+    int32_t numChannels;
+};
+constexpr int64_t kKernelOffset = 64;
+constexpr int64_t kSpecOverhead = 127;
+static_assert(sizeof(SeparableSpec) <= kKernelOffset && kKernelOffset <= kSpecOverhead);
+
+constexpr bool isChannelCount(int32_t channels) {
+    return channels == 1 || channels == 3 || channels == 4;
+}
+constexpr bool isKernelType(DataTypeCode type) {
+    return type == DataType16s || type == DataType32f;
+}
+constexpr bool isImageType(DataTypeCode type) {
+    return type == DataType8u || type == DataType16u || type == DataType16s || type == DataType32f;
+}
+constexpr int64_t kernelElementBytes(DataTypeCode kernelType) {
+    return kernelType == DataType16s ? sizeof(int16_t) : sizeof(float);
+}
+
+// What the size query promises for the work buffer, and so what a call may use of it:
+// 256 kw + 8 kh + 4 C (b kw + kh (width + kw - 1)) bytes for kernel elements of b bytes. False when the
+// number does not fit 64 bits.
+bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t channels, int64_t& bytes) {
+    const int64_t kw = kernel.width;
+    const int64_t kh = kernel.height;
+    int64_t rowElements = 0;
+    int64_t ring = 0;
+    return addChecked(width, kw - 1, rowElements) && multiplyChecked(rowElements, kh, ring) &&
+           addChecked(ring, kernelBytes * kw, ring) && multiplyChecked(ring, int64_t{4} * channels, ring) &&
+           addChecked(ring, 256 * kw + 8 * kh, bytes);
+}
+
+// The work buffer of one call: the engine's parts and, for sources that are converted before they are
+// filtered, a stretch of a row as floats.
+template <class S, int Channels>
+struct WorkBuffer {
+    SeparableBuffer<S, float> engine;
+    float* scratch;
+    int64_t scratchCount;
+
+    static constexpr bool kConverts = !kIsFloat<S>;
+
+    // Within the promised number of bytes: the widest strip that the caches like and, if any room is left,
+    // scratch for all of it.
+    WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
+               bool wholeRows) {
+        const int64_t leastScratch = kConverts ? (row.length - 1 + kLeastStretch) * Channels : 0;
+        Area fixed;
+        layOutSeparable<Channels, S, float>(fixed, row, column, 0);
+        fixed.take<float>(leastScratch, kVectorBytes);
+        const int64_t available = (bytes - fixed.bytes()) / int64_t{sizeof(float)};  // elements
+
+        int64_t strip = width;
+        if (!wholeRows) {
+            const int64_t perPixel = Channels * (column.length + (kConverts ? 1 : 0));
+            const int64_t affordable = available / perPixel;
+            const int64_t cached = cachedStrip<Channels, float>(column, width);
+            strip = cached < affordable ? cached : affordable > 1 ? affordable : 1;
+            if (strip > width) strip = width;
+        }
+        const int64_t spare = available - strip * Channels * column.length;
+        const int64_t stretch = strip * Channels < spare ? strip * Channels : spare;
+        scratchCount = kConverts ? leastScratch + stretch : 0;
+
+        Area placed(memory);
+        engine = layOutSeparable<Channels, S, float>(placed, row, column, strip);
+        scratch = placed.take<float>(scratchCount, kVectorBytes);
+    }
+
+  private:
+    static constexpr int64_t kLeastStretch = 8;  // pixels
+};
+
+// What the row pass makes of border values: value * (sum of the kernel), times the reciprocal of the divisor
+// for integer kernels.
+template <class S, class K>
+float filteredBorderValue(S value, const K* kernel, int64_t length, float scale) {
+    if constexpr (kIsInt<K>) {
+        int64_t sum = 0;
+        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        return static_cast<float>(static_cast<float>(sum) * static_cast<float>(value)) * scale;
+    } else {
+        float sum = 0;
+        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        return static_cast<float>(value) * sum;
+    }
+}
+
+// v * 2^-scaleFactor.
+float scaledDown(float v, int32_t scaleFactor) {
+    constexpr int32_t enough = 300;  // shifts any float out of its range
+    const int32_t exponent = scaleFactor < -enough ? enough : scaleFactor > enough ? -enough : -scaleFactor;
+    return std::ldexp(v, exponent);
+}
+
+template <class K, class S, int Channels, class D>
+void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& task, float rowScale,
+                float columnScale, const WorkBuffer<S, Channels>& buffer) {
+    const auto* const rowKernel = static_cast<const K*>(spec.rowKernel);
+    const auto* const columnKernel = static_cast<const K*>(spec.columnKernel);
+
+    float outside[Channels] = {};
+    if (task.border.kind() == BorderConstant) {
+        for (int c = 0; c < Channels; ++c) {
+            outside[c] = filteredBorderValue(task.borderValue[c], rowKernel, task.row.length, rowScale);
+        }
+    }
+    const FloatRowPass<K> floatPass{rowKernel, task.row.length, Channels, rowScale};
+    const FloatColumnPass<D, K> columnPass{columnKernel, task.column.length, columnScale};
+    if constexpr (kIsFloat<S>) {
+        filterSeparable(task, buffer.engine, outside, floatPass, columnPass);
+    } else {
+        const ConvertingRowPass<S, K> rowPass{floatPass, buffer.scratch, buffer.scratchCount};
+        filterSeparable(task, buffer.engine, outside, rowPass, columnPass);
+    }
+}
+
+template <class S, int Channels, class D>
+okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size, BorderKind borderType,
+                 const S* borderValue, const void* pSpec, void* pBuffer) {
+    Checks checks;
+    checks.pointers(src.data, dst.data, pBuffer, pSpec).size(size).rowsFit(size, src, dst);
+    if (checks.failed()) return checks.status();
+
+    SeparableSpec spec;
+    std::memcpy(&spec, pSpec, sizeof spec);
+    const Border border(borderType);
+    checks.pointers(spec.rowKernel, spec.columnKernel)
+        .require(isFilterBorder(borderType), okpStatusBadBorder)
+        .require(border.kind() != BorderConstant || borderValue != nullptr, okpStatusNullPointer);
+    if (checks.failed()) return checks.status();
+
+    const bool integer = spec.kernelKind == IntegerKernels;
+    int64_t bytes = 0;
+    checks.require(workBufferBytes(size.width, {spec.kernelWidth, spec.kernelHeight},
+                                   kernelElementBytes(integer ? DataType16s : DataType32f), Channels, bytes),
+                   okpStatusBadSize);
+    if (checks.failed()) return checks.status();
+
+    const SeparableTask<S, Channels, D> task{
+        src,    dst,        size, Reach::centred(spec.kernelWidth), Reach::centred(spec.kernelHeight),
+        border, borderValue};
+    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
+    const DenormalExceptionMask mask;
+    if (integer) {
+        const float reciprocal = 1.0F / static_cast<float>(spec.divisor);
+        const float columnScale =
+            std::is_same_v<D, int16_t> ? scaledDown(reciprocal, spec.scaleFactor) : reciprocal;
+        filterWith<int16_t>(spec, task, reciprocal, columnScale, buffer);
+    } else {
+        filterWith<float>(spec, task, 1.0F, 1.0F, buffer);
+    }
+    return okpStatusOk;
+}
+
+// Queries of both widths: T is the result's type.
+template <class T>
+okpStatus specSize(RoiSize kernel, DataTypeCode kernelType, int32_t channels, T* pSize) {
+    Checks checks;
+    checks.size(kernel)
+        .pointers(pSize)
+        .require(isKernelType(kernelType), okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels);
+    if (checks.failed()) return checks.status();
+
+    const int64_t elements = int64_t{kernel.width} + kernel.height;
+    const int64_t bytes = elements * kernelElementBytes(kernelType) + kSpecOverhead;
+    checks.require(bytes <= kLargest<T>, okpStatusBadSize);
+    if (!checks.failed()) *pSize = static_cast<T>(bytes);
+    return checks.status();
+}
+
+template <class T>
+okpStatus bufferSize(Size size, RoiSize kernel, DataTypeCode dataType, DataTypeCode kernelType,
+                     int32_t channels, T* pSize) {
+    Checks checks;
+    checks.size(size)
+        .size(kernel)
+        .pointers(pSize)
+        .require(isImageType(dataType), okpStatusBadDataType)
+        .require(isKernelType(kernelType), okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels);
+    if (checks.failed()) return checks.status();
+
+    int64_t bytes = 0;
+    const bool fits = workBufferBytes(size.width, kernel, kernelElementBytes(kernelType), channels, bytes) &&
+                      bytes <= kLargest<T>;
+    checks.require(fits, okpStatusBadSize);
+    if (!checks.failed()) *pSize = static_cast<T>(bytes);
+    return checks.status();
+}
+
+template <class K>
+okpStatus init(const K* pRowKernel, const K* pColumnKernel, RoiSize kernel, int32_t divisor,
+               int32_t scaleFactor, bool dataTypeAccepted, int32_t channels, void* pSpec) {
+    Checks checks;
+    checks.pointers(pRowKernel, pSpec, pColumnKernel)
+        .size(kernel)
+        .require(dataTypeAccepted, okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels)
+        .require(divisor != 0, okpStatusZeroDivisor);
+    if (checks.failed()) return checks.status();
+
+    const size_t rowBytes = sizeof(K) * static_cast<size_t>(kernel.width);
+    const size_t columnBytes = sizeof(K) * static_cast<size_t>(kernel.height);
+    char* const kernels = static_cast<char*>(pSpec) + kKernelOffset;
+    SeparableSpec spec = {};
+    spec.kernelKind = kIsFloat<K> ? FloatKernels : IntegerKernels;
+    spec.kernelWidth = kernel.width;
+    spec.kernelHeight = kernel.height;
+    spec.divisor = divisor;
+    spec.scaleFactor = scaleFactor;
+    spec.rowKernel = kernels;
+    spec.columnKernel = kernels + rowBytes;
+    spec.numChannels = channels;
+    std::memcpy(pSpec, &spec, sizeof spec);
+    std::memcpy(kernels, static_cast<const void*>(pRowKernel), rowBytes);
+    std::memcpy(kernels + rowBytes, static_cast<const void*>(pColumnKernel), columnBytes);
+    return okpStatusOk;
+}
+
+}  // namespace
+}  // namespace okpcv
+
+using namespace okpcv;
+
+#define FILTER_C1(NAME, S, D, STEP, SIZE)                                                                   \
+    okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
+                   S borderValue, const void* pSpec, void* pBuffer) {                                       \
+        return filter<S, 1, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, &borderValue, pSpec,  \
+                               pBuffer);                                                                    \
+    }
+
+#define FILTER_CN(NAME, S, D, CHANNELS, STEP, SIZE)                                                         \
+    okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
+                   const S* pBorderValue, const void* pSpec, void* pBuffer) {                               \
+        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, pBorderValue,  \
+                                      pSpec, pBuffer);                                                      \
+    }
+
+FILTER_C1(okpiFilterSeparable_8u_C1R, uint8_t, uint8_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_8u_C1R_L, uint8_t, uint8_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u_C3R, uint8_t, uint8_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u_C3R_L, uint8_t, uint8_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u_C4R, uint8_t, uint8_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u_C4R_L, uint8_t, uint8_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_8u16s_C1R, uint8_t, int16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_8u16s_C1R_L, uint8_t, int16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u16s_C3R, uint8_t, int16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u16s_C3R_L, uint8_t, int16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u16s_C4R, uint8_t, int16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u16s_C4R_L, uint8_t, int16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_16s_C1R, int16_t, int16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_16s_C1R_L, int16_t, int16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16s_C3R, int16_t, int16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16s_C3R_L, int16_t, int16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16s_C4R, int16_t, int16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16s_C4R_L, int16_t, int16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_16u_C1R, uint16_t, uint16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_16u_C1R_L, uint16_t, uint16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16u_C3R, uint16_t, uint16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16u_C3R_L, uint16_t, uint16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16u_C4R, uint16_t, uint16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16u_C4R_L, uint16_t, uint16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_32f_C1R, float, float, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_32f_C1R_L, float, float, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_32f_C3R, float, float, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_32f_C3R_L, float, float, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_32f_C4R, float, float, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_32f_C4R_L, float, float, 4, int64_t, RoiSizeL)
+
+okpStatus okpiFilterSeparableGetSpecSize(RoiSize kernelSize, DataTypeCode kernelType, int32_t numChannels,
+                                         int32_t* pSpecSize) {
+    return specSize(kernelSize, kernelType, numChannels, pSpecSize);
+}
+
+okpStatus okpiFilterSeparableGetSpecSize_L(RoiSize kernelSize, DataTypeCode kernelType, int32_t numChannels,
+                                           int64_t* pSpecSize) {
+    return specSize(kernelSize, kernelType, numChannels, pSpecSize);
+}
+
+okpStatus okpiFilterSeparableGetBufferSize(RoiSize roiSize, RoiSize kernelSize, DataTypeCode dataType,
+                                           DataTypeCode kernelType, int32_t numChannels,
+                                           int32_t* pBufferSize) {
+    return bufferSize(roiSize, kernelSize, dataType, kernelType, numChannels, pBufferSize);
+}
+
+okpStatus okpiFilterSeparableGetBufferSize_L(RoiSizeL roiSize, RoiSize kernelSize, DataTypeCode dataType,
+                                             DataTypeCode kernelType, int32_t numChannels,
+                                             int64_t* pBufferSize) {
+    return bufferSize(roiSize, kernelSize, dataType, kernelType, numChannels, pBufferSize);
+}
+
+okpStatus okpiFilterSeparableInit_16s(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                      RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                      DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    return okpiFilterSeparableInit_16s_L(pRowKernel, pColumnKernel, kernelSize, divisor, scaleFactor,
+                                         dataType, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_16s_L(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                        RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                        DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    const bool accepted = dataType == DataType16s || dataType == DataType8u;
+    return init(pRowKernel, pColumnKernel, kernelSize, divisor, scaleFactor, accepted, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_32f(const float* pRowKernel, const float* pColumnKernel, RoiSize kernelSize,
+                                      DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    return okpiFilterSeparableInit_32f_L(pRowKernel, pColumnKernel, kernelSize, dataType, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const float* pColumnKernel,
+                                        RoiSize kernelSize, DataTypeCode dataType, int32_t numChannels,
+                                        void* pSpec) {
+    const bool accepted = dataType == DataType8u || dataType == DataType16u || dataType == DataType32f;
+    return init(pRowKernel, pColumnKernel, kernelSize, 1, 0, accepted, numChannels, pSpec);
+}
