@@ -462,6 +462,13 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
     }
 }
 
+// sum += term, in the register of the sum. Left to themselves, compilers add into the register of the term as
+// often, and finish one sum before they begin the next: copies, and additions that wait for each other, where
+// several sums should advance side by side.
+OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
+    __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+
 // a < b ? a : b, so b where the lanes are unordered or equal.
 template <class T>
 OKPCV_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {

@@ -1,13 +1,14 @@
-// Column passes: as many intermediate rows as the kernel has taps to one row of the destination. A column
-// pass is a function object
+// Column passes: intermediate rows to rows of the destination. A column pass is a function object
 //
-//     void operator()(D* out, const Mid* const* rows, int64_t count) const
+//     void operator()(D* out, int64_t step, int64_t outRows, const Mid* const* rows, int64_t count) const
 //
-// that computes `count` elements: element x of `out` from element x of rows[0], rows[1], ...
+// that computes `count` elements of each of `outRows` rows, `step` bytes apart: element x of output row r
+// from element x of rows[r], rows[r + 1], ..., one for each tap.
 #pragma once
 
 #include <cstdint>
 
+#include "core/image.h"
 #include "core/simd.h"
 #include "filter/weighted_sum.h"
 
@@ -60,19 +61,23 @@ struct FloatColumnPass {
     int64_t length;
     float scale;
 
-    __attribute__((noinline)) void operator()(D* out, const float* const* rows, int64_t count) const {
+    __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows, const float* const* rows,
+                                              int64_t count) const {
+        const Image<D> dst{out, step};
         withTaps(kernel, length, [&](const auto& taps) OKPCV_INLINE_LAMBDA {
-            const auto firstTap = taps.columnTap(rows);
             forBlocks<std::remove_cvref_t<decltype(taps)>::vectors, Vec<float>::lanes>(
                 count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                    Vec<float> acc[block.vectors];
-                    const auto tap = [&](int64_t i) OKPCV_INLINE_LAMBDA { return firstTap(i) + x; };
-                    taps.sum(acc, tap, extent);
-                    for (int v = 0; v < block.vectors; ++v) {
-                        if constexpr (kIsFloat<D>) acc[v] = acc[v] + zeros<float>();
-                        if constexpr (kIsInt<K>) acc[v] = acc[v] * broadcast(scale);
+                    for (int64_t r = 0; r < outRows; ++r) {
+                        Vec<float> acc[block.vectors];
+                        taps.sum(
+                            acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; },
+                            extent);
+                        for (int v = 0; v < block.vectors; ++v) {
+                            if constexpr (kIsFloat<D>) acc[v] = acc[v] + zeros<float>();
+                            if constexpr (kIsInt<K>) acc[v] = acc[v] * broadcast(scale);
+                        }
+                        storeResults(dst.row(r) + x, acc, extent);
                     }
-                    storeResults(out + x, acc, extent);
                 });
         });
     }

@@ -11,8 +11,10 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "filter/column_pass.h"
+#include "filter/column_stream.h"
 #include "filter/row_pass.h"
 #include "filter/separable_engine.h"
+#include "filter/stream_engine.h"
 #include "okpcv/filter.h"
 
 namespace okpcv {
@@ -64,45 +66,58 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
            addChecked(ring, 256 * kw + 8 * kh, bytes);
 }
 
-// The work buffer of one call: the engine's parts and, for sources that are converted before they are
-// filtered, a stretch of a row as floats.
+// The work buffer of one call, all of it within the promised number of bytes: the parts of the stream engine
+// if the column kernel has a stream and they fit, of the separable engine otherwise; and, for sources that
+// are converted before they are filtered, a stretch of a row as floats.
 template <class S, int Channels>
 struct WorkBuffer {
+    bool streamed = false;
+    S* window;  // of the stream engine
+    float* streamState;
     SeparableBuffer<S, float> engine;
     float* scratch;
     int64_t scratchCount;
 
-    static constexpr bool kConverts = !kIsFloat<S>;
-
-    // Within the promised number of bytes: the widest strip that the caches like and, if any room is left,
-    // scratch for all of it.
     WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
-               bool wholeRows) {
-        const int64_t leastScratch = kConverts ? (row.length - 1 + kLeastStretch) * Channels : 0;
-        Area fixed;
-        layOutSeparable<Channels, S, float>(fixed, row, column, 0);
-        fixed.take<float>(leastScratch, kVectorBytes);
-        const int64_t available = (bytes - fixed.bytes()) / int64_t{sizeof(float)};  // elements
+               bool inPlace) {
+        constexpr bool converts = !kIsFloat<S>;
+        const int64_t reach = (row.length - 1) * Channels;
+        const int64_t leastScratch = converts ? reach + 8 * Channels : 0;
+        const auto takeScratch = [&](Area& area, int64_t rowElements) {
+            if (!converts) return;
+            const int64_t most = reach + rowElements;
+            const int64_t left = (bytes - area.bytes() - kVectorBytes) / int64_t{sizeof(float)};
+            scratchCount = most < left ? most : left;
+            scratch = area.take<float>(scratchCount, kVectorBytes);
+        };
 
-        int64_t strip = width;
-        if (!wholeRows) {
-            const int64_t perPixel = Channels * (column.length + (kConverts ? 1 : 0));
-            const int64_t affordable = available / perPixel;
-            const int64_t cached = cachedStrip<Channels, float>(column, width);
-            strip = cached < affordable ? cached : affordable > 1 ? affordable : 1;
-            if (strip > width) strip = width;
+        if (hasColumnStream(column.length) && !inPlace) {
+            const auto layOut = [&](Area& area) {
+                window = area.take<S>(windowPixels<float>(row) * Channels, kVectorBytes);
+                streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
+            };
+            Area counted;
+            layOut(counted);
+            counted.take<float>(leastScratch, kVectorBytes);
+            streamed = counted.bytes() <= bytes;
+            if (streamed) {
+                Area placed(memory);
+                layOut(placed);
+                takeScratch(placed, tilePixels<Channels>() * Channels);
+                return;
+            }
         }
-        const int64_t spare = available - strip * Channels * column.length;
-        const int64_t stretch = strip * Channels < spare ? strip * Channels : spare;
-        scratchCount = kConverts ? leastScratch + stretch : 0;
-
+        using Shapes = RingShapes<Channels, float>;
+        const Shapes shapes(column, width, Shapes::batchFor(column));
+        Area fixed;
+        layOutSeparable<Channels, S, float>(fixed, row, column, {0, Shapes::batchFor(column), 0});
+        fixed.take<float>(leastScratch, kVectorBytes);
+        const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(float)};
+        const RingShape shape = inPlace ? shapes.wholeRows() : shapes.within(elements, converts ? 1 : 0);
         Area placed(memory);
-        engine = layOutSeparable<Channels, S, float>(placed, row, column, strip);
-        scratch = placed.take<float>(scratchCount, kVectorBytes);
+        engine = layOutSeparable<Channels, S, float>(placed, row, column, shape);
+        takeScratch(placed, shape.strip * Channels);
     }
-
-  private:
-    static constexpr int64_t kLeastStretch = 8;  // pixels
 };
 
 // What the row pass makes of border values: value * (sum of the kernel), times the reciprocal of the divisor
@@ -139,13 +154,21 @@ void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& 
             outside[c] = filteredBorderValue(task.borderValue[c], rowKernel, task.row.length, rowScale);
         }
     }
-    const FloatRowPass<K> floatPass{rowKernel, task.row.length, Channels, rowScale};
-    const FloatColumnPass<D, K> columnPass{columnKernel, task.column.length, columnScale};
+    const auto run = [&](const auto& rowPass) {
+        const int64_t length = task.column.length;
+        if (buffer.streamed) {
+            filterStreamed(task, buffer.window, buffer.streamState, outside, rowPass,
+                           ColumnStream<D>(columnKernel, length, columnScale));
+        } else {
+            filterSeparable(task, buffer.engine, outside, rowPass,
+                            FloatColumnPass<D, K>{columnKernel, length, columnScale});
+        }
+    };
+    const FloatRowPass<K, Channels> floatPass{rowKernel, task.row.length, rowScale};
     if constexpr (kIsFloat<S>) {
-        filterSeparable(task, buffer.engine, outside, floatPass, columnPass);
+        run(floatPass);
     } else {
-        const ConvertingRowPass<S, K> rowPass{floatPass, buffer.scratch, buffer.scratchCount};
-        filterSeparable(task, buffer.engine, outside, rowPass, columnPass);
+        run(ConvertingRowPass<S, K, Channels>{floatPass, buffer.scratch, buffer.scratchCount});
     }
 }
 

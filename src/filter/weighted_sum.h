@@ -30,6 +30,7 @@ template <int Length>
 class FixedTaps {
   public:
     static constexpr int vectors = 4;
+    static constexpr bool fixed = true;
 
     template <class K>
     OKPCV_INLINE explicit FixedTaps(const K* kernel) {
@@ -41,19 +42,10 @@ class FixedTaps {
         constexpr int lanes = Vec<float>::lanes;
         for (int v = 0; v < V; ++v) acc[v] = c_[0] * loadAs<float>(tap(0) + v * lanes, extent);
         for (int i = 1; i < Length; ++i) {
-            for (int v = 0; v < V; ++v) acc[v] = acc[v] + c_[i] * loadAs<float>(tap(i) + v * lanes, extent);
+            for (int v = 0; v < V; ++v) {
+                accumulate(acc[v], c_[i] * loadAs<float>(tap(i) + v * lanes, extent));
+            }
         }
-    }
-
-    // The tap function of a column pass, which reads each row's address once.
-    template <class T>
-    OKPCV_INLINE static auto columnTap(const T* const* rows) {
-        struct Rows {
-            const T* first[Length];
-            OKPCV_INLINE const T* operator()(int64_t i) const { return first[i]; }
-        } taps;
-        for (int i = 0; i < Length; ++i) taps.first[i] = rows[i];
-        return taps;
     }
 
   private:
@@ -65,6 +57,7 @@ template <class K>
 class AnyTaps {
   public:
     static constexpr int vectors = 8;
+    static constexpr bool fixed = false;
 
     OKPCV_INLINE AnyTaps(const K* kernel, int64_t length) : kernel_(kernel), length_(length) {}
 
@@ -86,19 +79,12 @@ class AnyTaps {
         }
     }
 
-    template <class T>
-    OKPCV_INLINE static auto columnTap(const T* const* rows) {
-        struct Rows {
-            const T* const* first;
-            OKPCV_INLINE const T* operator()(int64_t i) const { return first[i]; }
-        };
-        return Rows{rows};
-    }
-
   private:
     template <int V, class T, class Extent>
     static OKPCV_INLINE void add(Vec<float> (&acc)[V], Vec<float> c, const T* p, Extent extent) {
-        for (int v = 0; v < V; ++v) acc[v] = acc[v] + c * loadAs<float>(p + v * Vec<float>::lanes, extent);
+        for (int v = 0; v < V; ++v) {
+            accumulate(acc[v], c * loadAs<float>(p + v * Vec<float>::lanes, extent));
+        }
     }
 
     const K* kernel_;
