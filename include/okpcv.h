@@ -9,6 +9,8 @@
 
 #include "okpcv/arith.h"
 #include "okpcv/filter.h"
+#include "okpcv/features.h"
+#include "okpcv/geometry.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */

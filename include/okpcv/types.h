@@ -117,6 +117,8 @@ typedef struct PixelRect {
 
 /** @brief Size of a fixed square mask, written as its digits. */
 typedef int32_t MaskSizeCode;
+
+/** @brief The values of #MaskSizeCode. */
 enum MaskSizeCodeValue {
     MaskSize3x3 = 33, /**< 3 x 3. */
     MaskSize5x5 = 55  /**< 5 x 5. */
@@ -124,6 +126,8 @@ enum MaskSizeCodeValue {
 
 /** @brief Vector norm. */
 typedef int32_t NormKind;
+
+/** @brief The values of #NormKind. */
 enum NormKindValue {
     NormInf = 1, /**< Largest absolute value. */
     NormL1 = 2,  /**< Sum of absolute values. */
@@ -132,6 +136,8 @@ enum NormKindValue {
 
 /** @brief Element type of an image. The numbers come from a wider numbering and are not consecutive. */
 typedef int32_t DataTypeCode;
+
+/** @brief The values of #DataTypeCode. */
 enum DataTypeCodeValue {
     DataType1u = 0,   /**< One bit per pixel, packed. */
     DataType8u = 1,   /**< Unsigned 8-bit integer. */
@@ -149,6 +155,8 @@ enum DataTypeCodeValue {
  * side the caller guarantees as many rows or columns beyond the region as the kernel reaches there.
  */
 typedef uint32_t BorderKind;
+
+/** @brief The values of #BorderKind. */
 enum BorderKindValue {
     BorderReplicate = 1, /**< The nearest edge pixel: a a a | a b c d | d d d. */
     BorderMirror = 3,  /**< Reflected about the edge pixel, which is not repeated: d c b | a b c d | c b a. */

@@ -13,32 +13,85 @@ namespace {
 
 constexpr int kLanes = Vec<float>::lanes;
 
-// All ones in the lanes of pixels that the mask leaves out.
-template <class Extent>
-OKPCV_INLINE Vec<float> unselected(const uint8_t* mask, Extent extent) {
-    return bitCast<float>(equal(loadAs<int32_t>(mask, extent), zeros<int32_t>()));
+// The pixels of one vector of S as vectors of floats.
+template <class S>
+struct Floats {
+    static constexpr int kCount = Vec<S>::lanes / kLanes;
+    Vec<float> part[kCount];
+};
+
+OKPCV_INLINE Floats<float> toFloats(Vec<float> v) {
+    return {{v}};
+}
+OKPCV_INLINE Floats<uint16_t> toFloats(Vec<uint16_t> v) {
+    return {{toFloat(widenLow<int32_t>(v)), toFloat(widenHigh<int32_t>(v))}};
+}
+OKPCV_INLINE Floats<uint8_t> toFloats(Vec<uint16_t> low, Vec<uint16_t> high) {
+    const Floats<uint16_t> first = toFloats(low);
+    const Floats<uint16_t> second = toFloats(high);
+    return {{first.part[0], first.part[1], second.part[0], second.part[1]}};
+}
+OKPCV_INLINE Floats<uint8_t> toFloats(Vec<uint8_t> v) {
+    return toFloats(widenLow<uint16_t>(v), widenHigh<uint16_t>(v));
 }
 
-// What is added to the accumulator, from the source's value s (and the second source's, t).
+// Products of two sources. Those of bytes are exact in 16 bits, which spares half of the conversions.
+template <class S>
+OKPCV_INLINE Floats<S> product(Vec<S> a, Vec<S> b) {
+    Floats<S> x = toFloats(a);
+    const Floats<S> y = toFloats(b);
+    for (int i = 0; i < Floats<S>::kCount; ++i) x.part[i] = x.part[i] * y.part[i];
+    return x;
+}
+OKPCV_INLINE Floats<uint8_t> product(Vec<uint8_t> a, Vec<uint8_t> b) {
+    return toFloats(widenLow<uint16_t>(a) * widenLow<uint16_t>(b),
+                    widenHigh<uint16_t>(a) * widenHigh<uint16_t>(b));
+}
+
+// What is added to the accumulator, from the source's values.
 struct Identity {
-    OKPCV_INLINE Vec<float> operator()(Vec<float> s) const { return s; }
+    template <class S>
+    OKPCV_INLINE Floats<S> operator()(Vec<S> s) const {
+        return toFloats(s);
+    }
 };
 struct Square {
-    OKPCV_INLINE Vec<float> operator()(Vec<float> s) const { return s * s; }
+    template <class S>
+    OKPCV_INLINE Floats<S> operator()(Vec<S> s) const {
+        return product(s, s);
+    }
 };
-struct Product {
-    OKPCV_INLINE Vec<float> operator()(Vec<float> s, Vec<float> t) const { return s * t; }
-};
+
+template <class S, class Extent>
+OKPCV_INLINE void addTo(float* d, Floats<S> terms, Extent extent) {
+    for (int i = 0; i < Floats<S>::kCount; ++i) {
+        const auto rest = extent.from(i * kLanes);
+        store(d + i * kLanes, load(d + i * kLanes, rest) + terms.part[i], rest);
+    }
+}
+
+// All ones in the lanes of pixels that the mask leaves out, in lanes as wide as T.
+template <class T, class Extent>
+OKPCV_INLINE Vec<T> unselected(const uint8_t* mask, Extent extent) {
+    using Lane = std::conditional_t<kIsFloat<T>, int32_t, T>;
+    return bitCast<T>(equal(loadAs<Lane>(mask, extent), zeros<Lane>()));
+}
+
+// The source with zeros where the mask leaves a pixel out.
+template <class S, class Extent>
+OKPCV_INLINE Vec<S> loadSelected(const S* source, const uint8_t* mask, Extent extent) {
+    return andNot(load(source, extent), unselected<S>(mask, extent));
+}
 
 enum class Stores { Ordinary, Streamed };
 
-template <class Kernel, class... T>
+template <int kPixels, class Kernel, class... T>
 void accumulateRows(Stores stores, Size size, const Kernel& kernel, Image<float> dst,
                     const Image<T>&... sources) {
     if (stores == Stores::Streamed) {
-        mapRowsStreamed<kLanes>(size, kernel, dst, sources...);
+        mapRowsStreamed<kPixels>(size, kernel, dst, sources...);
     } else {
-        mapRows<kLanes>(size, kernel, dst, sources...);
+        mapRows<kPixels>(size, kernel, dst, sources...);
     }
 }
 
@@ -57,7 +110,7 @@ okpStatus addTerm(Image<const S> src, Image<float> dst, RoiSize roiSize, Term te
     if (checks.failed()) return checks.status();
 
     const auto kernel = [term](auto extent, float* d, const S* s) {
-        store(d, load(d, extent) + term(loadAs<float>(s, extent)), extent);
+        addTo(d, term(loadAs<float>(s, extent)), extent);
     };
     mapRows<kLanes>(size, kernel, dst, src);
     return okpStatusOk;
@@ -76,10 +129,9 @@ okpStatus addTermMasked(Image<const S> src, Image<const uint8_t> mask, Image<flo
     if (checks.failed()) return checks.status();
 
     const auto kernel = [term](auto extent, float* d, const S* s, const uint8_t* m) {
-        const Vec<float> selected = andNot(loadAs<float>(s, extent), unselected(m, extent));
-        store(d, load(d, extent) + term(selected), extent);
+        addTo(d, term(loadSelected(s, m, extent)), extent);
     };
-    accumulateRows(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
+    accumulateRows<Vec<S>::lanes>(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
     return okpStatusOk;
 }
 
@@ -92,9 +144,9 @@ okpStatus addProduct(Image<const S> src1, Image<const S> src2, Image<float> dst,
     if (checks.failed()) return checks.status();
 
     const auto kernel = [](auto extent, float* d, const S* s, const S* t) {
-        store(d, load(d, extent) + Product{}(loadAs<float>(s, extent), loadAs<float>(t, extent)), extent);
+        addTo(d, product(load(s, extent), load(t, extent)), extent);
     };
-    mapRows<kLanes>(size, kernel, dst, src1, src2);
+    mapRows<Vec<S>::lanes>(size, kernel, dst, src1, src2);
     return okpStatusOk;
 }
 
@@ -112,10 +164,10 @@ okpStatus addProductMasked(Image<const S> src1, Image<const S> src2, Image<const
 
     // Only the first source is zeroed: 0 * Inf and 0 * NaN reach the accumulator.
     const auto kernel = [](auto extent, float* d, const S* s, const S* t, const uint8_t* m) {
-        const Vec<float> selected = andNot(loadAs<float>(s, extent), unselected(m, extent));
-        store(d, load(d, extent) + selected * loadAs<float>(t, extent), extent);
+        addTo(d, product(loadSelected(s, m, extent), load(t, extent)), extent);
     };
-    accumulateRows(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src1, src2, mask);
+    accumulateRows<Vec<S>::lanes>(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src1, src2,
+                                  mask);
     return okpStatusOk;
 }
 
@@ -150,9 +202,9 @@ okpStatus addWeightedMasked(Image<const S> src, Image<const uint8_t> mask, Image
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s, const uint8_t* m) {
         const Vec<float> before = load(d, extent);
         const Vec<float> change = (loadAs<float>(s, extent) - before) * w;
-        store(d, andNot(change, unselected(m, extent)) + before, extent);
+        store(d, andNot(change, unselected<float>(m, extent)) + before, extent);
     };
-    accumulateRows(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
+    accumulateRows<kLanes>(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
     return okpStatusOk;
 }
 

@@ -40,7 +40,7 @@ OKPCV_INLINE void mapRows(Size size, const Kernel& kernel, const Image<T>&... im
 template <int kLanes, class Kernel, class Out, class... T>
 OKPCV_INLINE void mapRowsStreamed(Size size, const Kernel& kernel, const Image<Out>& out,
                                   const Image<T>&... images) {
-    static_assert(kLanes == Vec<Out>::lanes);
+    static_assert(kLanes % Vec<Out>::lanes == 0);
     if (out.isDense(size.width) && (images.isDense(size.width) && ...)) size = {size.width * size.height, 1};
     for (int64_t y = 0; y < size.height; ++y) {
         Out* const row = out.row(y);

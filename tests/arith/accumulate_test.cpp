@@ -204,6 +204,9 @@ TYPED_TEST(AccumulateTest, ChecksInOrder) {
         add(true, "short accumulator", okpStatusBadStep, [](A& a) { a.dstStep = 23; });
         add(true, "odd accumulator", okpStatusStepNotMultiple, [](A& a) { a.dstStep = 26; });
         expectStatusOrder<A>(valid, f.call, faults);
+        expectRefusesAbsurdSizes([&](RoiSize roi, int32_t step) {
+            return f.call({valid.src1, step, valid.src2, step, valid.mask, step, valid.dst, step, roi});
+        });
         for (const float value : dst.pixels()) ASSERT_EQ(value, 1.0F);
     }
 }

@@ -93,6 +93,9 @@ TYPED_TEST(MotionHistoryTest, ChecksInOrder) {
                                          [=](A& a) { a.silhouetteStep = 5 * size + 1; }});
     }
     expectStatusOrder<A>(valid, update<S>, faults);
+    expectRefusesAbsurdSizes([&](RoiSize roi, int32_t step) {
+        return update<S>({valid.silhouette, step, valid.history, step, roi, 10, 1});
+    });
 }
 
 }  // namespace

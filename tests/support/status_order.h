@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -35,6 +36,24 @@ void expectStatusOrder(const Arguments& valid, const std::function<okpStatus(con
             faults[later].inject(both);
             faults[i].inject(both);
             EXPECT_EQ(call(both), faults[i].status) << faults[i].name << " before " << faults[later].name;
+        }
+    }
+}
+
+// Calls with sizes and steps far outside what memory holds; each must be refused, and none may overflow on
+// the way (which the build with the undefined-behaviour sanitizer sees). call(roi, step) takes the step for
+// all images.
+template <class Call>
+void expectRefusesAbsurdSizes(Call call) {
+    const int32_t sizes[] = {INT32_MIN,     INT32_MIN + 1,     -1,       0, INT32_MAX / 12,
+                             INT32_MAX / 3, INT32_MAX / 2 + 1, INT32_MAX};
+    const int32_t steps[] = {INT32_MIN, -4, -1, 0, 4, 1024};
+    for (const int32_t width : sizes) {
+        for (const int32_t height : sizes) {
+            for (const int32_t step : steps) {
+                EXPECT_LT(call(RoiSize{width, height}, step), 0)
+                    << width << 'x' << height << " step " << step;
+            }
         }
     }
 }

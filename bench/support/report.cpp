@@ -1,0 +1,253 @@
+// The figures as text.
+#include "support/report.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace bench {
+namespace {
+
+// Below this the cost of the call itself counts, so times are given per call.
+constexpr double kSmall = 64 * 64;
+
+__attribute__((format(printf, 1, 2))) std::string format(const char* pattern, ...) {
+    char text[1024];
+    va_list arguments;
+    va_start(arguments, pattern);
+    std::vsnprintf(text, sizeof text, pattern, arguments);
+    va_end(arguments);
+    return text;
+}
+
+bool hasPeer(const Result& r) {
+    return r.peer.median > 0;
+}
+double ratio(const Result& r) {
+    return r.peer.median / r.ours.median;
+}
+double nsPerPixel(const Result& r, const Timing& t) {
+    return t.median / r.pixels * 1e9;
+}
+double gigabytes(const Result& r, const Timing& t) {
+    return r.bytesMoved / t.median * 1e-9;
+}
+double percentOfCopy(const Result& r) {
+    return 100 * r.copy.median / r.ours.median;
+}
+
+std::string agreement(const Result& r) {
+    if (!r.error.empty()) return "**FAILED: " + r.error + "**";
+    if (!r.compared) return "";
+    return r.disagreement.empty() ? "same" : "**differs: " + r.disagreement + "**";
+}
+
+using Description = std::vector<std::pair<std::string, std::string>>;
+
+Description describeMachine() {
+    const auto& cpu = benchmark::CPUInfo::Get();
+    std::string model = "unknown", line;
+    std::ifstream cpuinfo("/proc/cpuinfo");
+    while (std::getline(cpuinfo, line)) {
+        if (line.starts_with("model name")) model = line.substr(line.find(':') + 2);
+    }
+    std::string caches;
+    for (const auto& cache : cpu.caches) {
+        caches += format("%sL%d %s %d KiB", caches.empty() ? "" : ", ", cache.level, cache.type.c_str(),
+                         cache.size / 1024);
+    }
+    char date[64];
+    const std::time_t now = std::time(nullptr);
+    std::strftime(date, sizeof date, "%Y-%m-%d %H:%M UTC", std::gmtime(&now));
+#ifdef __clang__
+    const char* compiler = "Clang " __clang_version__;
+#else
+    const char* compiler = "GCC " __VERSION__;
+#endif
+#ifdef OKPCV_BENCH_OPENCV
+    const std::string peer = cv::getVersionString() + ", one thread, " + cv::getCPUFeaturesLine();
+#else
+    const std::string peer = "not built in";
+#endif
+    const std::string load = cpu.load_avg.empty() ? "unknown" : format("%.2f", cpu.load_avg[0]);
+    return {{"Date", date},
+            {"Library", okpcvGetLibVersion()->version},
+            {"Processor", format("%s, %d cores", model.c_str(), cpu.num_cpus)},
+            {"Caches", caches},
+            {"Load at the start", load},
+            {"Compiler", compiler},
+            {"OpenCV", peer}};
+}
+
+const char kPreface[] =
+    "Every case measures the library (ours), where there is one the same operation of OpenCV (the peer), and "
+    "a\n"
+    "memcpy, in interleaved rounds on one thread: in each round up to 8 untimed calls, then a timed batch of "
+    "at\n"
+    "least a millisecond (one call where a call is longer; without untimed calls where one takes over 50 "
+    "ms).\n"
+    "Times are medians over the rounds. The ratio is the peer's time over ours: above 1 we are faster.\n"
+    "*Results* says whether the two computed the same pixels. Images are aligned to 64 bytes, with steps "
+    "that are\n"
+    "multiples of 64, on large pages where the system gives them.\n"
+    "\n"
+    "GB/s are bytes moved per second. Counted are the bytes that the operation cannot avoid moving: every "
+    "source\n"
+    "once, destinations that are not read before twice (a store fetches its cache line first), images "
+    "updated in\n"
+    "place twice (once in, once out). The memcpy beside a case copies so many bytes that it moves as many by "
+    "the\n"
+    "same count, three for each byte copied. Stores that stream past the caches fetch nothing, in a kernel "
+    "as in\n"
+    "the C library's memcpy of large blocks, and are counted like the others.\n";
+
+void writeTable(std::ostream& out, const std::vector<const Result*>& results, bool small) {
+    const char* unit = small ? "ns/call" : "ns/px";
+    bool any = false;
+    for (const Result* r : results) {
+        if ((r->pixels < kSmall) != small) continue;
+        if (!any) {
+            out << format("\n| operation | size | ours %s | peer %s | peer | ratio |", unit, unit)
+                << (small ? " memcpy ns/call |" : " ours GB/s | memcpy GB/s | % of memcpy |")
+                << " results |\n"
+                << "|---|---|--:|--:|---|--:|" << (small ? "--:|" : "--:|--:|--:|") << "---|\n";
+            any = true;
+        }
+        const auto time = [&](const Timing& t) {
+            return t.median > 0 ? format("%.3g", small ? t.median * 1e9 : nsPerPixel(*r, t)) : "";
+        };
+        out << "| " << r->operation << " | " << r->sizeText() << " | " << time(r->ours) << " | "
+            << time(r->peer) << " | " << r->peerName << " | "
+            << (hasPeer(*r) ? format("%.2f", ratio(*r)) : "");
+        if (small) {
+            out << " | " << time(r->copy);
+        } else if (r->copy.median > 0) {
+            out << format(" | %.1f | %.1f | %.0f", gigabytes(*r, r->ours), gigabytes(*r, r->copy),
+                          percentOfCopy(*r));
+        } else {
+            out << " | | |";
+        }
+        out << " | " << agreement(*r) << " |\n";
+    }
+}
+
+struct Summary {
+    std::vector<double> ratios;
+    std::string slower;  // the cases below 1
+    int below = 0, differing = 0, failed = 0;
+
+    explicit Summary(const std::vector<const Result*>& results) {
+        for (const Result* r : results) {
+            failed += !r->error.empty();
+            differing += !r->disagreement.empty();
+            if (!hasPeer(*r)) continue;
+            ratios.push_back(ratio(*r));
+            if (ratio(*r) >= 1) continue;
+            ++below;
+            slower += format("- %s %s: %.3f\n", r->operation.c_str(), r->sizeText().c_str(), ratio(*r));
+        }
+    }
+};
+
+void writeMarkdown(std::ostream& out, const Description& machine,
+                   const std::map<std::string, std::vector<const Result*>>& families) {
+    out << "# Benchmark of okpcv\n\n";
+    for (const auto& [what, value] : machine) out << "- " << what << ": " << value << "\n";
+    out << "\n"
+        << kPreface << "\n## Summary\n\n"
+        << "| family | cases | compared | smallest ratio | median ratio | below 1 | differing | failed |\n"
+        << "|---|--:|--:|--:|--:|--:|--:|--:|\n";
+    for (const auto& [family, results] : families) {
+        const Summary s(results);
+        const size_t n = s.ratios.size();
+        out << format("| %s | %zu | %zu | ", family.c_str(), results.size(), n)
+            << (n > 0 ? format("%.2f | %.2f", *std::min_element(s.ratios.begin(), s.ratios.end()),
+                               median(s.ratios))
+                      : " | ")
+            << format(" | %d | %d | %d |\n", s.below, s.differing, s.failed);
+    }
+    for (const auto& [family, results] : families) {
+        out << "\n## " << family << "\n";
+        writeTable(out, results, false);
+        writeTable(out, results, true);
+        const Summary s(results);
+        if (s.below > 0) out << "\nSlower than the peer:\n\n" << s.slower;
+    }
+}
+
+std::string quoted(const std::string& text) {
+    std::string result = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') result += '\\';
+        result += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+    return result + '"';
+}
+
+std::string timingJson(const Timing& t) {
+    if (t.median <= 0) return "null";
+    return format("{\"median_ns\": %.6g, \"min_ns\": %.6g}", t.median * 1e9, t.fastest * 1e9);
+}
+
+void writeJson(std::ostream& out, const Description& machine, const std::vector<Result>& results) {
+    out << "{\n  \"machine\": {";
+    const char* separator = "\n";
+    for (const auto& [what, value] : machine) {
+        out << separator << "    " << quoted(what) << ": " << quoted(value);
+        separator = ",\n";
+    }
+    out << "\n  },\n  \"cases\": [";
+    separator = "\n";
+    for (const Result& r : results) {
+        out << separator << "    {\"family\": " << quoted(r.family)
+            << ", \"operation\": " << quoted(r.operation)
+            << format(
+                   ", \"width\": %d, \"height\": %d, \"pixels\": %.0f, \"bytes_moved\": %.0f, \"rounds\": %d",
+                   r.size.width, r.size.height, r.pixels, r.bytesMoved, r.rounds)
+            << ", \"ours\": " << timingJson(r.ours) << ", \"peer\": " << timingJson(r.peer)
+            << ", \"memcpy\": " << timingJson(r.copy) << ", \"peer_name\": " << quoted(r.peerName)
+            << ", \"results_compared\": " << (r.compared ? "true" : "false")
+            << ", \"disagreement\": " << quoted(r.disagreement) << ", \"error\": " << quoted(r.error) << "}";
+        separator = ",\n";
+    }
+    out << "\n  ]\n}\n";
+}
+
+}  // namespace
+
+std::string consoleLine(const Result& r) {
+    std::string line = format("%-58s", (r.family + "/" + r.operation + "/" + r.sizeText()).c_str());
+    if (!r.error.empty()) return line + " FAILED: " + r.error;
+    if (r.pixels < kSmall) {
+        line += format(" %8.3g ns/call", r.ours.median * 1e9);
+    } else {
+        line += format(" %8.3g ns/px", nsPerPixel(r, r.ours));
+    }
+    if (hasPeer(r)) line += format("  %.2fx %s", ratio(r), r.peerName.c_str());
+    if (r.copy.median > 0) line += format("  %.0f%% of memcpy", percentOfCopy(r));
+    if (!r.disagreement.empty()) line += "  DIFFERS: " + r.disagreement;
+    return line;
+}
+
+bool writeReport(const std::vector<Result>& results, const std::string& directory) {
+    const Description machine = describeMachine();
+    std::map<std::string, std::vector<const Result*>> families;
+    for (const Result& r : results) families[r.family].push_back(&r);
+
+    std::error_code ignored;  // opening the files tells
+    std::filesystem::create_directories(directory, ignored);
+    std::ofstream markdown(directory + "/bench.md"), json(directory + "/bench.json");
+    writeMarkdown(markdown, machine, families);
+    writeJson(json, machine, results);
+    markdown.close();
+    json.close();
+    return !markdown.fail() && !json.fail();
+}
+
+}  // namespace bench
