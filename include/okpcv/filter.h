@@ -1,6 +1,6 @@
 /**
  * @file filter.h
- * @brief Linear filters: separable filters with the caller's kernels.
+ * @brief Linear filters: separable filters with the caller's kernels, and their two halves.
  */
 #ifndef OKPCV_FILTER_H
 #define OKPCV_FILTER_H
@@ -436,6 +436,472 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t src
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
                                                   const float* pBorderValue, const void* pSpec,
                                                   void* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup pipelines Row and column pipelines
+ * @brief The two halves of a separable filter, for callers who keep the intermediate rows themselves.
+ *
+ * A row pipeline filters rows horizontally, with a border, into rows that the caller gives as an array of
+ * pointers. A column pipeline combines rows that the caller gives as an array of pointers vertically. So an
+ * image that arrives strip by strip can be filtered strip by strip: the result is that of filtering it whole,
+ * bit for bit, however it is cut.
+ *
+ * Integer kernels have 16-bit coefficients and a divisor; their results are truncated towards zero and
+ * clamped to the range of the destination's type. Float kernels have no divisor. Sums are formed in IEEE
+ * single precision in kernel order beginning with zero, products of integers exact before they are rounded,
+ * as in the separable filters. The `Low` forms form them in 32-bit integers, modulo @f$ 2^{32} @f$, and
+ * convert the sum: they are faster, and give the same results wherever no sum of products exceeds @f$ 2^{24}
+ * @f$ in magnitude.
+ *
+ * The buffers need no alignment and hold nothing between calls.
+ * @{
+ */
+
+/**
+ * @brief Filters signed 16-bit rows horizontally.
+ *
+ * @f[ dst_y(x) = C\Bigl( \frac{1}{divisor} \sum_{i=0}^{k-1} kernel_i \, src(x - anchor + i, y) \Bigr) @f]
+ *
+ * with the reciprocal of the divisor rounded to single precision, and @f$ C @f$ the conversion to the type of
+ * the result: truncation towards zero, then saturation. Each channel is filtered by itself.
+ *
+ * @param[in]  pSrc        Source.
+ * @param[in]  srcStep     Step of the source in bytes.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  pKernel     Kernel.
+ * @param[in]  kernelSize  Length k of the kernel.
+ * @param[in]  anchor      Index of the coefficient that meets the pixel itself, 0 to k - 1.
+ * @param[in]  borderType  #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                         #BorderInMemory. Only the flags of the left and the right side matter: on a side in
+ *                         memory, `anchor` columns to the left or k - 1 - `anchor` to the right are read.
+ * @param[in]  borderValue Value of #BorderConstant, in the source's type (for images of several channels a
+ *                         pointer to one value per channel); ignored for other kinds.
+ * @param[in]  divisor     Divisor of the sums (integer kernels only), at least 1.
+ * @param[in]  pBuffer     Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppDst` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadAnchor: an anchor outside the kernel;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size;
+ *         - #okpStatusBadArgument: a divisor below 1 (integer kernels only);
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16s_C1R(const int16_t* pSrc, int32_t srcStep,
+                                                        int16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        int16_t borderValue, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16s_C3R(const int16_t* pSrc, int32_t srcStep,
+                                                        int16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const int16_t* pBorderValue, int32_t divisor,
+                                                        void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C1R(const uint16_t* pSrc, int32_t srcStep,
+                                                        uint16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        uint16_t borderValue, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C3R(const uint16_t* pSrc, int32_t srcStep,
+                                                        uint16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const uint16_t* pBorderValue, int32_t divisor,
+                                                        void* pBuffer);
+
+/**
+ * @brief Filters float rows horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C1R(const float* pSrc, int32_t srcStep,
+                                                        float* const* ppDst, RoiSize roiSize,
+                                                        const float* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        float borderValue, void* pBuffer);
+
+/**
+ * @brief Filters float rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C3R(const float* pSrc, int32_t srcStep,
+                                                        float* const* ppDst, RoiSize roiSize,
+                                                        const float* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const float* pBorderValue, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit rows to signed 16-bit ones horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                          int16_t* const* ppDst, RoiSize roiSize,
+                                                          const int16_t* pKernel, int32_t kernelSize,
+                                                          int32_t anchor, BorderKind borderType,
+                                                          uint8_t borderValue, int32_t divisor,
+                                                          void* pBuffer);
+
+/**
+ * @brief Filters 8-bit rows to signed 16-bit ones of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_8u16s_C3R(const uint8_t* pSrc, int32_t srcStep,
+                                                          int16_t* const* ppDst, RoiSize roiSize,
+                                                          const int16_t* pKernel, int32_t kernelSize,
+                                                          int32_t anchor, BorderKind borderType,
+                                                          const uint8_t* pBorderValue, int32_t divisor,
+                                                          void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C1R(const int16_t* pSrc, int32_t srcStep,
+                                                            int16_t* const* ppDst, RoiSize roiSize,
+                                                            const int16_t* pKernel, int32_t kernelSize,
+                                                            int32_t anchor, BorderKind borderType,
+                                                            int16_t borderValue, int32_t divisor,
+                                                            void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C3R(const int16_t* pSrc, int32_t srcStep,
+                                                            int16_t* const* ppDst, RoiSize roiSize,
+                                                            const int16_t* pKernel, int32_t kernelSize,
+                                                            int32_t anchor, BorderKind borderType,
+                                                            const int16_t* pBorderValue, int32_t divisor,
+                                                            void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows vertically.
+ *
+ * @f[ dst(x, y) = C\Bigl( \frac{1}{divisor} \sum_{j=0}^{k-1} kernel_j \, src_{y+j}(x) \Bigr) @f]
+ *
+ * with the reciprocal of the divisor rounded to single precision, and @f$ C @f$ the conversion to the type of
+ * the result: truncation towards zero, then saturation.
+ *
+ * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
+ * @param[out] pDst       Destination.
+ * @param[in]  dstStep    Step of the destination in bytes.
+ * @param[in]  roiSize    Size of the destination in pixels.
+ * @param[in]  pKernel    Kernel.
+ * @param[in]  kernelSize Length k of the kernel.
+ * @param[in]  divisor    Divisor of the sums (integer kernels only), at least 1.
+ * @param[in]  pBuffer    Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer other than the buffer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadArgument: a divisor below 1 (integer kernels only);
+ *         - #okpStatusNullPointer: a pointer in `ppSrc` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size (elements wider than a
+ *           byte only);
+ *         - #okpStatusNullPointer: the buffer is null.
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s_C1R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s_C3R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to signed 8-bit ones vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8s_C1R(const int16_t* const* ppSrc, int8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to signed 8-bit ones of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8s_C3R(const int16_t* const* ppSrc, int8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to unsigned 8-bit ones vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8u_C1R(const int16_t* const* ppSrc, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to unsigned 8-bit ones of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8u_C3R(const int16_t* const* ppSrc, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C1R(const uint16_t* const* ppSrc, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C3R(const uint16_t* const* ppSrc, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters float rows vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C1R(const float* const* ppSrc, float* pDst, int32_t dstStep,
+                                                     RoiSize roiSize, const float* pKernel,
+                                                     int32_t kernelSize, void* pBuffer);
+
+/**
+ * @brief Filters float rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C3R(const float* const* ppSrc, float* pDst, int32_t dstStep,
+                                                     RoiSize roiSize, const float* pKernel,
+                                                     int32_t kernelSize, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_Low_16s_C1R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize,
+                                                         const int16_t* pKernel, int32_t kernelSize,
+                                                         int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_Low_16s_C3R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize,
+                                                         const int16_t* pKernel, int32_t kernelSize,
+                                                         int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16s_C1R(): 48 k + 112 for a kernel of length
+ * k.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  kernelSize  Length of the kernel.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadSize: width, height or kernel length below 1;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16s_C3R():
+ * 40 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16u_C1R():
+ * 48 k + 80 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16u_C3R():
+ * 112 k + 80 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_32f_C1R():
+ * 64 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_32f_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_32f_C3R():
+ * 192 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_32f_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_8u16s_C1R():
+ * 36 k + 144 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                       int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_8u16s_C3R():
+ * 60 k + 144 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                       int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_Low_16s_C1R():
+ * 24 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                         int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_Low_16s_C3R():
+ * 208 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                         int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s_C1R():
+ * 12 (w rounded up to a multiple of 4) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s_C3R():
+ * 36 (w rounded up to a multiple of 4) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16u_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16u_C3R():
+ * 36 (3 w rounded up to a multiple of 4) + 32 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_Low_16s_C1R():
+ * 12 (w rounded up to a multiple of 8) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_Low_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                      int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_Low_16s_C3R():
+ * 36 (w rounded up to a multiple of 8) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_Low_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                      int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8s_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8s_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8u_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8u_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_32f_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_32f_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
 
 /** @} */
 

@@ -72,9 +72,9 @@ struct IntegerRowPass {
                 for (int g = 0; g < n; ++g) first[g] = second[g] = zeros<int32_t>();
                 int64_t i = 0;
                 for (; i + 2 <= length; i += 2, p += 2 * Channels) {
-                    addPair(first, second, coefficients(i), p, extent);
+                    addPair(first, second, coefficientPair(kernel, i), p, extent);
                 }
-                if (i < length) addLast(first, second, coefficient(kernel, i), p, extent);
+                if (i < length) addLast(first, second, coefficientAndZero(kernel, i), p, extent);
                 Vec<float> sum[2 * n];
                 for (int g = 0; g < n; ++g) {
                     inOrder(first[g], second[g]);
@@ -108,9 +108,8 @@ struct IntegerRowPass {
         }
     }
     template <int N, class S, class Extent>
-    static OKPCV_INLINE void addLast(Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N], int16_t c,
+    static OKPCV_INLINE void addLast(Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N], Vec<int16_t> low,
                                      const S* p, Extent extent) {
-        const auto low = bitCast<int16_t>(broadcast(static_cast<int32_t>(static_cast<uint16_t>(c))));
         const auto high = bitCast<int16_t>(shiftLeft(bitCast<int32_t>(low), 16));
         for (int g = 0; g < N; ++g, p += lanes) {
             const Vec<int16_t> a = loadAs<int16_t>(p, extent);
@@ -129,13 +128,6 @@ struct IntegerRowPass {
             second = interleaveHigh(first, second);
             first = low;
         }
-    }
-
-    // Coefficients i and i + 1 in all pairs of lanes.
-    OKPCV_INLINE Vec<int16_t> coefficients(int64_t i) const {
-        int32_t pair;
-        std::memcpy(&pair, reinterpret_cast<const char*>(kernel) + i * int64_t{sizeof(int16_t)}, sizeof pair);
-        return bitCast<int16_t>(broadcast(pair));
     }
 
     // The second taps of a part of a row go one element beyond the part.
