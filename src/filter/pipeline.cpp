@@ -8,6 +8,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "filter/column_pass.h"
+#include "filter/integer_pass.h"
 #include "filter/row_pass.h"
 #include "filter/separable_task.h"
 #include "okpcv/filter.h"
@@ -117,7 +118,7 @@ okpStatus filterColumns(const ColumnPipeline<S, D, Channels, K>& call) {
     };
     const DenormalExceptionMask mask;
     if constexpr (kSums == Sums::Integer) {
-        run(IntegerColumnPass<D>{call.kernel, call.kernelSize, scale});
+        run(IntegerColumnPass<D, TimesScale>{call.kernel, call.kernelSize, 0, {scale}});
     } else {
         run(FloatColumnPass<D, K>{call.kernel, call.kernelSize, scale});
     }

@@ -8,7 +8,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #include "core/simd.h"
 #include "filter/results.h"
@@ -47,92 +46,6 @@ struct FloatRowPass {
             });
         });
     }
-};
-
-// Sums in 32-bit integers, modulo 2^32, of 8-bit or signed 16-bit elements: out[x] = float(sum of kernel[i] *
-// in[x + i * C]) * scale. Where no sum of products can exceed 2^24 in magnitude, the results are those of
-// FloatRowPass: every sum of it is then an integer that single precision holds exactly.
-//
-// Bound, per two taps and eight elements of one channel: two loads, two multiply-add instructions and two
-// additions, half of what single precision takes.
-template <int Channels>
-struct IntegerRowPass {
-    const int16_t* kernel;
-    int64_t length;
-    float scale;
-
-    template <class Out, class S>
-    __attribute__((noinline)) void operator()(Out* out, const S* in, int64_t count) const {
-        constexpr int groups = 3;  // of one vector of 16-bit elements, two of sums
-        forBlocks<groups, Vec<int16_t>::lanes>(
-            count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                constexpr int n = block.vectors;
-                const S* p = in + x;
-                Vec<int32_t> first[n], second[n];
-                for (int g = 0; g < n; ++g) first[g] = second[g] = zeros<int32_t>();
-                int64_t i = 0;
-                for (; i + 2 <= length; i += 2, p += 2 * Channels) {
-                    addPair(first, second, coefficientPair(kernel, i), p, extent);
-                }
-                if (i < length) addLast(first, second, coefficientAndZero(kernel, i), p, extent);
-                Vec<float> sum[2 * n];
-                for (int g = 0; g < n; ++g) {
-                    inOrder(first[g], second[g]);
-                    sum[2 * g] = toFloat(first[g]) * broadcast(scale);
-                    sum[2 * g + 1] = toFloat(second[g]) * broadcast(scale);
-                }
-                storeResults(out + x, sum, extent);
-            });
-    }
-
-  private:
-    static constexpr int lanes = Vec<int16_t>::lanes;
-
-    // Of a single channel, the first sums are those of even elements and the second those of odd ones: a load
-    // at the first tap pairs it with the second for the even ones, a load one further on does for the odd
-    // ones. Of several channels, the elements of two taps are interleaved, and the first sums are those of
-    // the first half.
-    template <int N, class S, class Extent>
-    static OKPCV_INLINE void addPair(Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N], Vec<int16_t> c,
-                                     const S* p, Extent extent) {
-        for (int g = 0; g < N; ++g, p += lanes) {
-            if constexpr (Channels == 1) {
-                first[g] = first[g] + mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c);
-                second[g] = second[g] + mulAddPairs(loadAs<int16_t>(p + 1, extent), c);
-            } else {
-                const Vec<int16_t> a = loadAs<int16_t>(p, extent);
-                const Vec<int16_t> b = loadAs<int16_t>(p + Channels, extent);
-                first[g] = first[g] + mulAddPairs(interleaveLow(a, b), c);
-                second[g] = second[g] + mulAddPairs(interleaveHigh(a, b), c);
-            }
-        }
-    }
-    template <int N, class S, class Extent>
-    static OKPCV_INLINE void addLast(Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N], Vec<int16_t> low,
-                                     const S* p, Extent extent) {
-        const auto high = bitCast<int16_t>(shiftLeft(bitCast<int32_t>(low), 16));
-        for (int g = 0; g < N; ++g, p += lanes) {
-            const Vec<int16_t> a = loadAs<int16_t>(p, extent);
-            if constexpr (Channels == 1) {
-                first[g] = first[g] + mulAddPairs(a, low);
-                second[g] = second[g] + mulAddPairs(a, high);
-            } else {
-                first[g] = first[g] + mulAddPairs(interleaveLow(a, a), low);
-                second[g] = second[g] + mulAddPairs(interleaveHigh(a, a), low);
-            }
-        }
-    }
-    static OKPCV_INLINE void inOrder(Vec<int32_t>& first, Vec<int32_t>& second) {
-        if constexpr (Channels == 1) {
-            const Vec<int32_t> low = interleaveLow(first, second);
-            second = interleaveHigh(first, second);
-            first = low;
-        }
-    }
-
-    // The second taps of a part of a row go one element beyond the part.
-    static OKPCV_INLINE Whole oneMore(Whole) { return {}; }
-    static OKPCV_INLINE Part oneMore(Part part) { return {part.count + 1}; }
 };
 
 // Rows of another type, converted to float a stretch at a time before a float row pass reads them: the

@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "filter/column_pass.h"
 #include "filter/column_stream.h"
+#include "filter/integer_pass.h"
 #include "filter/row_pass.h"
 #include "filter/separable_engine.h"
 #include "filter/stream_engine.h"
@@ -135,16 +136,21 @@ float filteredBorderValue(S value, const K* kernel, int64_t length, float scale)
     }
 }
 
-// Whether no sum of products with elements of S can exceed what single precision counts exactly.
-template <class S>
-bool sumsAreExact(const int16_t* kernel, int64_t length) {
-    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
+// The sum of a kernel's coefficients without their signs.
+int64_t magnitude(const int16_t* kernel, int64_t length) {
     int64_t sum = 0;
     for (int64_t i = 0; i < length; ++i) {
         const int64_t k = coefficient(kernel, i);
         sum += k < 0 ? -k : k;
     }
-    return sum * largest <= int64_t{1} << 24;
+    return sum;
+}
+
+// Whether no sum of products with elements of S can exceed what single precision counts exactly.
+template <class S>
+bool sumsAreExact(const int16_t* kernel, int64_t length) {
+    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
+    return magnitude(kernel, length) * largest <= int64_t{1} << 24;
 }
 
 // v * 2^-scaleFactor.
@@ -189,6 +195,104 @@ void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& 
     }
 }
 
+// How integer kernels filter 8-bit images without single precision. Where the divisor is a power of two and
+// no sum of products exceeds 2^24 in magnitude, every intermediate value and every sum of the definition is a
+// number that single precision holds exactly; then the order of additions does not matter, and the whole is
+// the integer (sum over both kernels) / 2^bits, truncated and clamped.
+struct ExactPlan {
+    enum class Sums { None, Signed16, Unsigned16, Signed32 };
+    Sums sums = Sums::None;
+    int bits = 0;
+    int32_t bias = 0;         // taken from row sums so that they fit 16 bits
+    int32_t columnStart = 0;  // what that takes from column sums
+
+    ExactPlan(const SeparableSpec& spec, int32_t scaleFactor) {
+        const int64_t divisor = spec.divisor;
+        if (divisor < 1 || (divisor & (divisor - 1)) != 0) return;
+        if (spec.kernelWidth > WrappingTaps::longest || spec.kernelHeight > WrappingTaps::longest) return;
+        const int64_t shift = 2 * int64_t{__builtin_ctzll(static_cast<uint64_t>(divisor))} + scaleFactor;
+        if (shift < 0 || shift > 30) return;
+
+        const Range row =
+            Range{0, 255}.weighted(static_cast<const int16_t*>(spec.rowKernel), spec.kernelWidth);
+        const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
+        const Range sum = row.weighted(columnKernel, spec.kernelHeight);
+        // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is less than this.
+        const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
+        if (largest > int64_t{1} << 24) return;
+
+        bits = static_cast<int>(shift);
+        if (bits <= 15 && sum.low >= -32768 && sum.high <= 32767) {
+            sums = Sums::Signed16;
+        } else if (bits <= 15 && sum.low >= 0 && sum.high <= 65535) {
+            sums = Sums::Unsigned16;
+        } else if (row.high - row.low <= 65535) {
+            sums = Sums::Signed32;
+            bias = row.low >= -32768 && row.high <= 32767 ? 0 : static_cast<int32_t>(row.low + 32768);
+            int64_t columnSum = 0;
+            for (int64_t j = 0; j < spec.kernelHeight; ++j) columnSum += coefficient(columnKernel, j);
+            columnStart = static_cast<int32_t>(columnSum * bias);
+        }
+    }
+
+  private:
+    struct Range {
+        int64_t low, high;
+
+        Range weighted(const int16_t* kernel, int64_t length) const {
+            Range sum{0, 0};
+            for (int64_t i = 0; i < length; ++i) {
+                const int64_t k = coefficient(kernel, i);
+                sum.low += k * (k < 0 ? high : low);
+                sum.high += k * (k < 0 ? low : high);
+            }
+            return sum;
+        }
+    };
+};
+
+template <int Channels, class D>
+void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Channels, D>& task,
+                   const ExactPlan& plan, void* pBuffer, int64_t bytes) {
+    const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
+    const auto* const rowKernel = static_cast<const int16_t*>(spec.rowKernel);
+    const WrappingTaps rowTaps(rowKernel, task.row.length);
+    const WrappingRowPass<Channels> rowPass{rowTaps, static_cast<int16_t>(-plan.bias)};
+
+    using Shapes = RingShapes<Channels, int16_t>;
+    const Shapes shapes(task.column, task.size.width, Shapes::batchFor(task.column));
+    Area fixed;
+    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column,
+                                                {0, Shapes::batchFor(task.column), 0});
+    const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(int16_t)};
+    Area placed(pBuffer);
+    const auto buffer = layOutSeparable<Channels, uint8_t, int16_t>(
+        placed, task.row, task.column, task.inPlace() ? shapes.wholeRows() : shapes.within(elements, 0));
+
+    int16_t outside[Channels] = {};
+    if (task.border.kind() == BorderConstant) {
+        int64_t sum = 0;
+        for (int64_t i = 0; i < task.row.length; ++i) sum += coefficient(rowKernel, i);
+        for (int c = 0; c < Channels; ++c) {
+            outside[c] = static_cast<int16_t>(task.borderValue[c] * sum - plan.bias);
+        }
+    }
+    if (plan.sums == ExactPlan::Sums::Signed32) {
+        filterSeparable(task, buffer, outside, rowPass,
+                        IntegerColumnPass<D, ShiftedRight>{
+                            columnKernel, task.column.length, plan.columnStart, {plan.bits}});
+        return;
+    }
+    const WrappingTaps columnTaps(columnKernel, task.column.length);
+    if (plan.sums == ExactPlan::Sums::Signed16) {
+        filterSeparable(task, buffer, outside, rowPass,
+                        WrappingColumnPass<D, int16_t>{columnTaps, plan.bits});
+    } else {
+        filterSeparable(task, buffer, outside, rowPass,
+                        WrappingColumnPass<D, uint16_t>{columnTaps, plan.bits});
+    }
+}
+
 template <class S, int Channels, class D>
 okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size, BorderKind borderType,
                  const S* borderValue, const void* pSpec, void* pBuffer) {
@@ -214,8 +318,17 @@ okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size
     const SeparableTask<S, Channels, D> task{
         src,    dst,        size, Reach::centred(spec.kernelWidth), Reach::centred(spec.kernelHeight),
         border, borderValue};
-    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
     const DenormalExceptionMask mask;
+    if constexpr (std::is_same_v<S, uint8_t>) {
+        if (integer) {
+            const ExactPlan plan(spec, std::is_same_v<D, int16_t> ? spec.scaleFactor : 0);
+            if (plan.sums != ExactPlan::Sums::None) {
+                filterExactly(spec, task, plan, pBuffer, bytes);
+                return okpStatusOk;
+            }
+        }
+    }
+    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
     if (integer) {
         const float reciprocal = 1.0F / static_cast<float>(spec.divisor);
         const float columnScale =

@@ -24,16 +24,6 @@ OKPCV_INLINE K coefficient(const K* kernel, int64_t i) {
     return value;
 }
 
-// Coefficients i and i + 1, or i and 0, in all pairs of lanes, for mulAddPairs.
-OKPCV_INLINE Vec<int16_t> coefficientPair(const int16_t* kernel, int64_t i) {
-    int32_t pair;
-    std::memcpy(&pair, reinterpret_cast<const char*>(kernel) + i * int64_t{sizeof(int16_t)}, sizeof pair);
-    return bitCast<int16_t>(broadcast(pair));
-}
-OKPCV_INLINE Vec<int16_t> coefficientAndZero(const int16_t* kernel, int64_t i) {
-    return bitCast<int16_t>(broadcast(static_cast<int32_t>(static_cast<uint16_t>(coefficient(kernel, i)))));
-}
-
 // A kernel whose length the code knows. In all of these, Tap is a function that gives the address seen by
 // tap i.
 template <int Length>
