@@ -468,6 +468,12 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
 OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
     __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
+OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
+    __asm__("paddd %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
+    __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
 
 // a < b ? a : b, so b where the lanes are unordered or equal.
 template <class T>
