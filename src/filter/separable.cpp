@@ -420,8 +420,8 @@ using namespace okpcv;
 
 #define FILTER_CN(NAME, S, D, CHANNELS, STEP, SIZE)                                                         \
     okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
-                   const S* pBorderValue, const void* pSpec, void* pBuffer) {                               \
-        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, pBorderValue,  \
+                   const S* borderValue, const void* pSpec, void* pBuffer) {                                \
+        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, borderValue,   \
                                       pSpec, pBuffer);                                                      \
     }
 
