@@ -15,6 +15,7 @@ struct Gallery {
 
 void addArithPanels(Gallery& gallery);
 void addFeaturePanels(Gallery& gallery);
+void addFilterPanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
 void addIntegralPanels(Gallery& gallery);
 void addStatsPanels(Gallery& gallery);

@@ -70,6 +70,7 @@ int main(int argc, char** argv) {
         addArithPanels(gallery);
         addStatsPanels(gallery);
         addIntegralPanels(gallery);
+        addFilterPanels(gallery);
         addFeaturePanels(gallery);
         addGeometryPanels(gallery);
         addMorphPanels(gallery);

@@ -21,6 +21,7 @@
 namespace okpcv {
 
 inline constexpr int kVectorBytes = 16;
+inline constexpr int kCacheLineBytes = 64;
 
 namespace detail {
 template <class T>
@@ -217,6 +218,21 @@ OKPCV_INLINE void store(T* p, Vec<T> v, Streamed) {
 template <class T>
 OKPCV_INLINE void store(T* p, Vec<T> v, Part part) {
     detail::storeBytes(p, bitCast<int32_t>(v).raw, part.count * int{sizeof(T)});
+}
+
+// Stores the first N lanes, or of a part those among them.
+template <int N, class T, class Extent>
+OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
+    static_assert(N < Vec<T>::lanes);
+    if constexpr (std::is_same_v<Extent, Part>) {
+        store(p, v, Part{extent.count < N ? extent.count : N});
+    } else if constexpr (N * int{sizeof(T)} == 8) {
+        detail::storeScalar(p, _mm_cvtsi128_si64(bitCast<int32_t>(v).raw));
+    } else if constexpr (N * int{sizeof(T)} == 4) {
+        detail::storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
+    } else {
+        store(p, v, Part{N});
+    }
 }
 
 // Orders the streaming stores before it against whatever the caller does next.
@@ -467,6 +483,19 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
     }
 }
 
+// sum += term, in the register of the sum. Left to themselves, compilers add into the register of the term as
+// often, and finish one sum before they begin the next: copies, and additions that wait for each other, where
+// several sums should advance side by side.
+OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
+    __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
+    __asm__("paddd %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
+    __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+
 // a < b ? a : b, so b where the lanes are unordered or equal.
 template <class T>
 OKPCV_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -655,6 +684,14 @@ OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
 OKPCV_INLINE Vec<int32_t> narrowTruncated(Vec<double> low, Vec<double> high) {
     return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.raw), _mm_cvttpd_epi32(high.raw))};
 }
+// Truncated towards zero, for narrowSaturated<T> to finish: the two together are truncateSaturated<T> (see
+// numbers.h) in every lane. Below the range and for NaN the conversion gives INT32_MIN, which narrows to the
+// smallest T; so only the upper side needs a clamp, and its operands are ordered to let NaN through.
+template <class T>
+OKPCV_INLINE Vec<int32_t> truncateToNarrow(Vec<float> a) {
+    static_assert(kIsInt<T> && sizeof(T) <= 2);
+    return truncateToInt(min(broadcast(static_cast<float>(std::numeric_limits<T>::max())), a));
+}
 // Two vectors of doubles rounded to single precision.
 OKPCV_INLINE Vec<float> narrow(Vec<double> low, Vec<double> high) {
     return {_mm_movelh_ps(_mm_cvtpd_ps(low.raw), _mm_cvtpd_ps(high.raw))};
@@ -716,6 +753,12 @@ OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
     static_assert(sizeof(T) == 8);
     const __m128i order = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
     return {_mm_shuffle_epi8(a.raw, order)};
+}
+// Lane N in all lanes.
+template <int N, class T>
+OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N * 0x55)});
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
