@@ -8,6 +8,7 @@
 #include "okpcv/types.h"
 
 #include "okpcv/arith.h"
+#include "okpcv/distance.h"
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
 #include "okpcv/version.h"

@@ -649,6 +649,20 @@ OKPCV_INLINE Vec<T> slide(Vec<T> first, Vec<T> second) {
     return bitCast<T>(Vec<int32_t>{
         _mm_alignr_epi8(bitCast<int32_t>(second).raw, bitCast<int32_t>(first).raw, N * int{sizeof(T)})});
 }
+// Lane N in all lanes.
+template <int N, class T>
+OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
+    const __m128i x = bitCast<int32_t>(a).raw;
+    if constexpr (sizeof(T) == 8) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0xAA + 0x44)});
+    } else if constexpr (sizeof(T) == 4) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0x55)});
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi16(static_cast<short>(2 * N + 256 * (2 * N + 1))))};
+    } else {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi8(static_cast<char>(N)))};
+    }
+}
 // a0 b0 a1 b1 ... from the first (second) half of the lanes.
 template <class T>
 OKPCV_INLINE Vec<T> interleaveLow(Vec<T> a, Vec<T> b) {
