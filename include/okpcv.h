@@ -11,6 +11,7 @@
 #include "okpcv/distance.h"
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
+#include "okpcv/pyramid.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */
