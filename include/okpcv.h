@@ -12,6 +12,8 @@
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
 #include "okpcv/pyramid.h"
+#include "okpcv/integral.h"
+#include "okpcv/stats.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */

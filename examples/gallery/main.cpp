@@ -69,6 +69,9 @@ int main(int argc, char** argv) {
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
         addDistancePanels(gallery);
+        addStatsPanels(gallery);
+        addIntegralPanels(gallery);
+        addFeaturePanels(gallery);
         addGeometryPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";

@@ -15,6 +15,8 @@
 #include <type_traits>
 
 #define OKPCV_INLINE inline __attribute__((always_inline))
+// The same for lambdas, which take no `inline`.
+#define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace okpcv {
 
@@ -48,6 +50,11 @@ template <class T>
 inline constexpr bool kIsDouble = std::is_same_v<T, double>;
 template <class T>
 inline constexpr bool kIsInt = std::is_integral_v<T>;
+// The unsigned integer of T's size.
+template <class T>
+using UnsignedLane = std::conditional_t<
+    sizeof(T) == 1, uint8_t,
+    std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
 
 // The same bits as another lane type.
 template <class To, class From>
@@ -640,6 +647,10 @@ OKPCV_INLINE Vec<int32_t> truncateToInt(Vec<float> a) {
 OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
     return {_mm_cvtps_epi32(a.raw)};
 }
+// Two vectors of doubles truncated to 32-bit integers. Out of range and NaN give INT32_MIN.
+OKPCV_INLINE Vec<int32_t> narrowTruncated(Vec<double> low, Vec<double> high) {
+    return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.raw), _mm_cvttpd_epi32(high.raw))};
+}
 // Two vectors of doubles rounded to single precision.
 OKPCV_INLINE Vec<float> narrow(Vec<double> low, Vec<double> high) {
     return {_mm_movelh_ps(_mm_cvtpd_ps(low.raw), _mm_cvtpd_ps(high.raw))};
@@ -788,18 +799,26 @@ struct Channels3 {
 
 namespace detail {
 
+// As a source: no byte.
+inline constexpr int kNowhere = -1;
+
 // The byte shuffle that moves to place i of the result the byte of input register `input` that belongs there,
 // where source(i) gives the index in the sequence of the three inputs; other places become zero.
+struct ShuffleIndices {
+    alignas(16) int8_t at[16];
+};
 template <class Source>
-constexpr auto shuffleFrom(int input, Source source) {
-    struct Indices {
-        alignas(16) int8_t at[16];
-    } indices{};
+constexpr ShuffleIndices shuffleFrom(int input, Source source) {
+    ShuffleIndices indices{};
     for (int i = 0; i < 16; ++i) {
         const int from = source(i) - 16 * input;
         indices.at[i] = from >= 0 && from < 16 ? static_cast<int8_t>(from) : int8_t{-128};
     }
     return indices;
+}
+
+OKPCV_INLINE __m128i shuffled(__m128i a, const ShuffleIndices& indices) {
+    return _mm_shuffle_epi8(a, _mm_load_si128(reinterpret_cast<const __m128i*>(indices.at)));
 }
 
 // Byte i of channel c of interleaved triples of T, as an index into the three input registers.
@@ -821,11 +840,7 @@ OKPCV_INLINE __m128i gather3(__m128i in0, __m128i in1, __m128i in2, Source) {
     static constexpr auto from0 = shuffleFrom(0, Source{});
     static constexpr auto from1 = shuffleFrom(1, Source{});
     static constexpr auto from2 = shuffleFrom(2, Source{});
-    const auto at = [](const auto& indices) {
-        return _mm_load_si128(reinterpret_cast<const __m128i*>(indices.at));
-    };
-    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(in0, at(from0)), _mm_shuffle_epi8(in1, at(from1))),
-                        _mm_shuffle_epi8(in2, at(from2)));
+    return _mm_or_si128(_mm_or_si128(shuffled(in0, from0), shuffled(in1, from1)), shuffled(in2, from2));
 }
 
 template <class T, int C>
@@ -836,6 +851,20 @@ template <class T, int Out>
 struct ChannelSource {
     constexpr int operator()(int i) const { return channelSource<T>(Out, i); }
 };
+
+// The shuffles of every channel, input by input.
+template <class T>
+constexpr auto channelShuffles() {
+    struct {
+        ShuffleIndices at[3][3];
+    } shuffles{};
+    for (int input = 0; input < 3; ++input) {
+        shuffles.at[0][input] = shuffleFrom(input, TripleSource<T, 0>{});
+        shuffles.at[1][input] = shuffleFrom(input, TripleSource<T, 1>{});
+        shuffles.at[2][input] = shuffleFrom(input, TripleSource<T, 2>{});
+    }
+    return shuffles;
+}
 
 }  // namespace detail
 
@@ -851,6 +880,28 @@ OKPCV_INLINE Channels3<T> deinterleave3(Vec<T> in0, Vec<T> in1, Vec<T> in2) {
     return {channel(detail::TripleSource<T, 0>{}), channel(detail::TripleSource<T, 1>{}),
             channel(detail::TripleSource<T, 2>{})};
 }
+// One channel of interleaved triples, chosen at run time.
+template <class T>
+struct ChannelOf3 {
+    Vec<uint8_t> from0, from1, from2;
+};
+// `channel` counts from 0.
+template <class T>
+OKPCV_INLINE ChannelOf3<T> channelOf3(int channel) {
+    static constexpr auto shuffles = detail::channelShuffles<T>();
+    const auto at = [channel](int input) {
+        return load(reinterpret_cast<const uint8_t*>(shuffles.at[channel][input].at));
+    };
+    return {at(0), at(1), at(2)};
+}
+// deinterleave3(in0, in1, in2).c<channel>.
+template <class T>
+OKPCV_INLINE Vec<T> pick(const ChannelOf3<T>& channel, Vec<T> in0, Vec<T> in1, Vec<T> in2) {
+    const auto from = [](Vec<T> in, Vec<uint8_t> shuffle) {
+        return Vec<uint8_t>{_mm_shuffle_epi8(bitCast<uint8_t>(in).raw, shuffle.raw)};
+    };
+    return bitCast<T>(from(in0, channel.from0) | from(in1, channel.from1) | from(in2, channel.from2));
+}
 // The inverse of deinterleave3.
 template <class T>
 OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
@@ -862,6 +913,47 @@ OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
     };
     return {output(detail::ChannelSource<T, 0>{}), output(detail::ChannelSource<T, 1>{}),
             output(detail::ChannelSource<T, 2>{})};
+}
+
+// The last lane in every lane (32-bit lanes).
+template <class T>
+OKPCV_INLINE Vec<T> broadcastLast(Vec<T> a) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, 0xFF)});
+}
+
+// Lane i becomes the sum of the lanes 0 to i of four lanes: neighbours are added first, then pairs, so that
+// lane 3 of floats is (a3 + a2) + (a1 + a0).
+template <class T>
+OKPCV_INLINE Vec<T> prefixSums(Vec<T> a) {
+    static_assert(Vec<T>::lanes == 4);
+    a = a + shiftLanesUp<1>(a);
+    return a + shiftLanesUp<2>(a);
+}
+
+namespace detail {
+// Lane i: the bytes 0 to i of a quarter of a vector, then zeros.
+template <int kQuarter>
+OKPCV_INLINE __m128i prefixesOfQuarter(Vec<uint8_t> a) {
+    static constexpr auto prefixes =
+        shuffleFrom(0, [](int i) { return i % 4 <= i / 4 ? 4 * kQuarter + i % 4 : kNowhere; });
+    return shuffled(a.raw, prefixes);
+}
+}  // namespace detail
+
+// Lane i becomes the sum of the bytes 0 to i of a quarter of a vector.
+template <int kQuarter>
+OKPCV_INLINE Vec<int32_t> prefixSumsOfQuarter(Vec<uint8_t> a) {
+    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
+    return {_mm_madd_epi16(_mm_maddubs_epi16(bytes, _mm_set1_epi8(1)), _mm_set1_epi16(1))};
+}
+// The same of the bytes' squares.
+template <int kQuarter>
+OKPCV_INLINE Vec<int32_t> prefixSquareSumsOfQuarter(Vec<uint8_t> a) {
+    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
+    const __m128i even = _mm_and_si128(bytes, _mm_set1_epi16(255));
+    const __m128i odd = _mm_srli_epi16(bytes, 8);
+    return {_mm_add_epi32(_mm_madd_epi16(even, even), _mm_madd_epi16(odd, odd))};
 }
 
 }  // namespace okpcv
