@@ -14,6 +14,7 @@ struct Gallery {
 };
 
 void addArithPanels(Gallery& gallery);
+void addDistancePanels(Gallery& gallery);
 void addFeaturePanels(Gallery& gallery);
 void addFilterPanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);

@@ -29,14 +29,21 @@ constexpr T saturate(From v) {
     return static_cast<T>(v < low ? low : v > high ? high : v);
 }
 
-// Clamped to an 8- or 16-bit type, then truncated towards zero; NaN counts as below the range.
+// Clamped to a type, then truncated towards zero; NaN counts as below the range.
 template <class T>
 constexpr T truncateSaturated(float v) {
-    static_assert(std::is_integral_v<T> && sizeof(T) <= 2);
-    const float low = kSmallest<T>;
-    const float high = kLargest<T>;
-    const float atLeastLow = v > low ? v : low;
-    return static_cast<T>(static_cast<int32_t>(atLeastLow < high ? atLeastLow : high));
+    static_assert(std::is_integral_v<T>);
+    if constexpr (sizeof(T) <= 2) {
+        const float low = kSmallest<T>;
+        const float high = kLargest<T>;
+        const float atLeastLow = v > low ? v : low;
+        return static_cast<T>(static_cast<int32_t>(atLeastLow < high ? atLeastLow : high));
+    } else {
+        // The largest value is no float, but the one after it, minus the smallest, is.
+        static_assert(std::is_signed_v<T>);
+        constexpr float low = static_cast<float>(kSmallest<T>);
+        return v >= -low ? kLargest<T> : v > low ? static_cast<T>(v) : kSmallest<T>;
+    }
 }
 
 // v times the quotient of two positive powers of two, rounded half up: (v + 2^(bits - 1)) >> bits.

@@ -240,6 +240,19 @@ OKPCV_INLINE void finishStreaming() {
     _mm_sfence();
 }
 
+// table[index] in every lane.
+template <class T>
+OKPCV_INLINE Vec<T> gather(const T* table, Vec<int32_t> index) {
+    static_assert(sizeof(T) == 4);
+    const auto low = static_cast<uint64_t>(_mm_cvtsi128_si64(index.raw));
+    const auto high = static_cast<uint64_t>(_mm_extract_epi64(index.raw, 1));
+    const auto at = [table](uint64_t i) {
+        return _mm_cvtsi32_si128(detail::loadScalar<int32_t>(table + static_cast<int32_t>(i)));
+    };
+    return bitCast<T>(Vec<int32_t>{_mm_unpacklo_epi64(_mm_unpacklo_epi32(at(low), at(low >> 32)),
+                                                      _mm_unpacklo_epi32(at(high), at(high >> 32)))});
+}
+
 namespace detail {
 
 // Vec<To>::lanes elements of From from the low bytes of `raw`, converted exactly.
@@ -714,6 +727,29 @@ OKPCV_INLINE Vec<T> slide(Vec<T> first, Vec<T> second) {
     return bitCast<T>(Vec<int32_t>{
         _mm_alignr_epi8(bitCast<int32_t>(second).raw, bitCast<int32_t>(first).raw, N * int{sizeof(T)})});
 }
+// Lane N in all lanes.
+template <int N, class T>
+OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
+    const __m128i x = bitCast<int32_t>(a).raw;
+    if constexpr (sizeof(T) == 8) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0xAA + 0x44)});
+    } else if constexpr (sizeof(T) == 4) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0x55)});
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi16(static_cast<short>(2 * N + 256 * (2 * N + 1))))};
+    } else {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi8(static_cast<char>(N)))};
+    }
+}
+// Lane i becomes the largest of the lanes 0 to i, and at least 0.
+template <int N = 1, class T>
+OKPCV_INLINE Vec<T> prefixMax(Vec<T> a) {
+    if constexpr (N < Vec<T>::lanes) {
+        return prefixMax<2 * N>(max(a, shiftLanesUp<N>(a)));
+    } else {
+        return max(a, zeros<T>());
+    }
+}
 // a0 b0 a1 b1 ... from the first (second) half of the lanes.
 template <class T>
 OKPCV_INLINE Vec<T> interleaveLow(Vec<T> a, Vec<T> b) {
@@ -767,6 +803,38 @@ OKPCV_INLINE T firstLane(Vec<T> a) {
 template <class T>
 OKPCV_INLINE T lastLane(Vec<T> a) {
     return detail::loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
+}
+
+namespace detail {
+
+struct LaneShuffle {
+    alignas(16) int8_t bytes[16];
+};
+struct LaneShuffles {
+    LaneShuffle of[16];
+};
+// For every set of four lanes the shuffle that moves them to the front.
+constexpr LaneShuffles packingShuffles() {
+    LaneShuffles shuffles{};
+    for (int set = 0; set < 16; ++set) {
+        int place = 0;
+        for (int lane = 0; lane < 4; ++lane) {
+            if ((set >> lane & 1) == 0) continue;
+            for (int i = 0; i < 4; ++i) shuffles.of[set].bytes[place++] = static_cast<int8_t>(4 * lane + i);
+        }
+    }
+    return shuffles;
+}
+inline constexpr LaneShuffles kPackingShuffles = packingShuffles();
+
+}  // namespace detail
+
+// The lanes whose bits are set, in their order, from lane 0 on; the other lanes are unspecified.
+template <class T>
+OKPCV_INLINE Vec<T> packLanes(Vec<T> a, uint32_t laneSet) {
+    static_assert(sizeof(T) == 4);
+    const auto* shuffle = reinterpret_cast<const __m128i*>(detail::kPackingShuffles.of[laneSet].bytes);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi8(bitCast<int32_t>(a).raw, _mm_load_si128(shuffle))});
 }
 
 // All lanes folded by an operation, halves first: for four lanes (0 op 2) op (1 op 3).

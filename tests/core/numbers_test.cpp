@@ -24,6 +24,14 @@ TEST(Numbers, TruncateSaturated) {
     EXPECT_EQ(truncateSaturated<int16_t>(-1e30F), -32768);
     EXPECT_EQ(truncateSaturated<uint16_t>(INFINITY), 65535);
     EXPECT_EQ(truncateSaturated<uint8_t>(NAN), 0);
+    EXPECT_EQ(truncateSaturated<int32_t>(-2147483648.0F), INT32_MIN);
+    EXPECT_EQ(truncateSaturated<int32_t>(2147483520.0F), 2147483520);
+    EXPECT_EQ(truncateSaturated<int32_t>(2147483648.0F), INT32_MAX);
+    EXPECT_EQ(truncateSaturated<int64_t>(-1.99F), -1);
+    EXPECT_EQ(truncateSaturated<int64_t>(0x1.fffffep62F), 0x7fffff8000000000);
+    EXPECT_EQ(truncateSaturated<int64_t>(0x1p63F), INT64_MAX);
+    EXPECT_EQ(truncateSaturated<int64_t>(-INFINITY), INT64_MIN);
+    EXPECT_EQ(truncateSaturated<int64_t>(NAN), INT64_MIN);
 }
 
 TEST(Numbers, ShiftAndProductRules) {

@@ -180,6 +180,12 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(low[i], (i % 2 == 0 ? a : b)[i / 2]));
         EXPECT_TRUE(sameBit(high[i], (i % 2 == 0 ? a : b)[n / 2 + i / 2]));
     }
+    const Lanes<T> ofFirst = lanesOf(broadcastLane<0>(vectorOf(a)));
+    const Lanes<T> ofLast = lanesOf(broadcastLane<Vec<T>::lanes - 1>(vectorOf(a)));
+    for (size_t i = 0; i < n; ++i) {
+        EXPECT_TRUE(sameBit(ofFirst[i], a.front()));
+        EXPECT_TRUE(sameBit(ofLast[i], a.back()));
+    }
     EXPECT_TRUE(sameBit(firstLane(vectorOf(a)), a.front()));
     EXPECT_TRUE(sameBit(lastLane(vectorOf(a)), a.back()));
 }
@@ -357,6 +363,27 @@ TEST(Simd, ReversesBytes) {
         lanesOf(reverseBytes(vectorOf(Lanes<uint64_t>{0x0102030405060708U, 0xFF00000000000080U})));
     EXPECT_EQ(reversed[0], 0x0807060504030201U);
     EXPECT_EQ(reversed[1], 0x80000000000000FFU);
+}
+
+TEST(Simd, PacksChosenLanes) {
+    const Lanes<int32_t> a{11, 22, 33, 44};
+    for (uint32_t set = 0; set < 16; ++set) {
+        const Lanes<int32_t> packed = lanesOf(packLanes(vectorOf(a), set));
+        size_t place = 0;
+        for (size_t i = 0; i < 4; ++i) {
+            if ((set >> i & 1) == 0) continue;
+            EXPECT_EQ(packed[place++], a[i]) << set;
+        }
+    }
+}
+
+TEST(Simd, GathersAndFindsPrefixMaxima) {
+    const float table[] = {-3, -2, -1, 0.5F, 1, 2};
+    EXPECT_EQ(lanesOf(gather(table + 3, vectorOf(Lanes<int32_t>{2, -3, 0, -1}))),
+              (Lanes<float>{2, -3, 0.5F, -1}));
+    EXPECT_EQ(lanesOf(prefixMax(vectorOf(Lanes<int32_t>{-5, 7, 3, 9}))), (Lanes<int32_t>{0, 7, 7, 9}));
+    EXPECT_EQ(lanesOf(prefixMax(vectorOf(Lanes<int16_t>{1, 0, 4, 2, 3, -1, 9, 8}))),
+              (Lanes<int16_t>{1, 1, 4, 4, 4, 4, 9, 9}));
 }
 
 TEST(Simd, AddsProductsAndDistances) {
