@@ -790,12 +790,6 @@ OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
     const __m128i order = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
     return {_mm_shuffle_epi8(a.raw, order)};
 }
-// Lane N in all lanes.
-template <int N, class T>
-OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
-    static_assert(sizeof(T) == 4);
-    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N * 0x55)});
-}
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
     return detail::loadScalar<T>(&a);
