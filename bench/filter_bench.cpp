@@ -63,6 +63,21 @@ template <class S, class K>
 struct Areas {
     Image<uint8_t> spec{{1, 1}}, buffer{{1, 1}};
 
+    // The companions of the 64-bit forms do the same.
+    Areas(const Kernel<K>& kernel, RoiSizeL size, int channels) {
+        int64_t specBytes = 0, bufferBytes = 0;
+        okpiFilterSeparableGetSpecSize_L(kernel.square(), kCode<K>, channels, &specBytes);
+        okpiFilterSeparableGetBufferSize_L(size, kernel.square(), kCode<S>, kCode<K>, channels, &bufferBytes);
+        spec = Image<uint8_t>({static_cast<int32_t>(specBytes), 1});
+        buffer = Image<uint8_t>({static_cast<int32_t>(bufferBytes), 1});
+        const K* const values = kernel.values.data();
+        if constexpr (sizeof(K) == 4) {
+            okpiFilterSeparableInit_32f_L(values, values, kernel.square(), kCode<S>, channels, spec.data());
+        } else {
+            okpiFilterSeparableInit_16s_L(values, values, kernel.square(), Kernel<K>::divisor, 0, kCode<S>,
+                                          channels, spec.data());
+        }
+    }
     Areas(const Kernel<K>& kernel, RoiSize size, int channels) {
         int32_t specBytes = 0, bufferBytes = 0;
         okpiFilterSeparableGetSpecSize(kernel.square(), kCode<K>, channels, &specBytes);
@@ -85,10 +100,10 @@ Setup separable(okpStatus (*f)(const S*, Step, D*, Step, RoiT, BorderKind, V, co
                 int channels, int length) {
     return [=](RoiSize size) {
         const Kernel<K> kernel(length);
-        const Areas<S, K> areas(kernel, size, channels);
+        const RoiT roi{size.width, size.height};
+        const Areas<S, K> areas(kernel, roi, channels);
         const auto src = bench::randomImage<S>(size, channels);
         const Image<D> dst(size, channels), theirs(size, channels);
-        const RoiT roi{size.width, size.height};
         Case result{
             .reads = 1.0 * sizeof(S) * channels,
             .writes = 1.0 * sizeof(D) * channels,
@@ -107,12 +122,13 @@ Setup separable(okpStatus (*f)(const S*, Step, D*, Step, RoiT, BorderKind, V, co
 }
 
 // The halves of a separable filter, which have no peer. F is the export; kernels of floats have no divisor.
-template <class S, class D, class K, class F>
+template <int kChannels, class S, class D, class K, class F>
 Setup rows(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int length) {
     return [=](RoiSize size) {
         const Kernel<K> kernel(length);
-        const auto src = bench::randomImage<S>(size);
-        const Image<D> dst(size);
+        const auto src = bench::randomImage<S>(size, kChannels);
+        const Image<D> dst(size, kChannels);
+        std::conditional_t<kChannels == 1, S, const S*> borderValue{};
         std::vector<D*> pointers;
         for (int y = 0; y < size.height; ++y) pointers.push_back(dst.row(y));
         int32_t bytes = 0;
@@ -120,9 +136,9 @@ Setup rows(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int length)
         const Image<uint8_t> buffer({bytes, 1});
         const auto call = [=](auto... divisor) {
             return f(src.data(), src.step(), pointers.data(), size, kernel.values.data(), length, length / 2,
-                     BorderReplicate, S{}, divisor..., buffer.data());
+                     BorderReplicate, borderValue, divisor..., buffer.data());
         };
-        return Case{.reads = sizeof(S), .writes = sizeof(D), .ours = [=] {
+        return Case{.reads = 1.0 * sizeof(S) * kChannels, .writes = 1.0 * sizeof(D) * kChannels, .ours = [=] {
                         if constexpr (sizeof(K) == 4)
                             return call();
                         else
@@ -131,12 +147,12 @@ Setup rows(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int length)
     };
 }
 
-template <class S, class D, class K, class F>
+template <int kChannels, class S, class D, class K, class F>
 Setup columns(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int length) {
     return [=](RoiSize size) {
         const Kernel<K> kernel(length);
-        const auto src = bench::randomImage<S>({size.width, size.height + length - 1});
-        const Image<D> dst(size);
+        const auto src = bench::randomImage<S>({size.width, size.height + length - 1}, kChannels);
+        const Image<D> dst(size, kChannels);
         std::vector<const S*> pointers;
         for (int y = 0; y < src.size().height; ++y) pointers.push_back(src.row(y));
         int32_t bytes = 0;
@@ -146,7 +162,7 @@ Setup columns(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int leng
             return f(pointers.data(), dst.data(), dst.step(), size, kernel.values.data(), length, divisor...,
                      buffer.data());
         };
-        return Case{.reads = sizeof(S), .writes = sizeof(D), .ours = [=] {
+        return Case{.reads = 1.0 * sizeof(S) * kChannels, .writes = 1.0 * sizeof(D) * kChannels, .ours = [=] {
                         if constexpr (sizeof(K) == 4)
                             return call();
                         else
@@ -183,32 +199,69 @@ const bench::Family family_("filter", [](bench::Family& family) {
     SEPARABLE(okpiFilterSeparable_32f_C4R, 4, float, "");
 #undef SEPARABLE
     // The 64-bit forms share all but their arguments.
-    family.add("okpiFilterSeparable_32f_C1R_L/k5", separable<float>(okpiFilterSeparable_32f_C1R_L, 1, 5),
-               kFilterSizes);
+#define SEPARABLE_L(NAME, CHANNELS, K) family.add(#NAME "/k5", separable<K>(NAME, CHANNELS, 5), kFilterSizes)
+    SEPARABLE_L(okpiFilterSeparable_8u_C1R_L, 1, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_8u_C3R_L, 3, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_8u_C4R_L, 4, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_8u16s_C1R_L, 1, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_8u16s_C3R_L, 3, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_8u16s_C4R_L, 4, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_16s_C1R_L, 1, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_16s_C3R_L, 3, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_16s_C4R_L, 4, int16_t);
+    SEPARABLE_L(okpiFilterSeparable_16u_C1R_L, 1, float);
+    SEPARABLE_L(okpiFilterSeparable_16u_C3R_L, 3, float);
+    SEPARABLE_L(okpiFilterSeparable_16u_C4R_L, 4, float);
+    SEPARABLE_L(okpiFilterSeparable_32f_C1R_L, 1, float);
+    SEPARABLE_L(okpiFilterSeparable_32f_C3R_L, 3, float);
+    SEPARABLE_L(okpiFilterSeparable_32f_C4R_L, 4, float);
+#undef SEPARABLE_L
 
-#define HALF(SHAPE, NAME, QUERY, ...) \
-    family.add(#NAME "/k5", SHAPE<__VA_ARGS__>(NAME, QUERY, 5), kFilterSizes)
-    HALF(rows, okpiFilterRowBorderPipeline_8u16s_C1R, okpiFilterRowBorderPipelineGetBufferSize_8u16s_C1R,
+#define HALF(SHAPE, CHANNELS, NAME, QUERY, ...) \
+    family.add(#NAME "/k5", SHAPE<CHANNELS, __VA_ARGS__>(NAME, QUERY, 5), kFilterSizes)
+    HALF(rows, 1, okpiFilterRowBorderPipeline_8u16s_C1R, okpiFilterRowBorderPipelineGetBufferSize_8u16s_C1R,
          uint8_t, int16_t, int16_t);
-    HALF(rows, okpiFilterRowBorderPipeline_16s_C1R, okpiFilterRowBorderPipelineGetBufferSize_16s_C1R, int16_t,
-         int16_t, int16_t);
-    HALF(rows, okpiFilterRowBorderPipeline_Low_16s_C1R, okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R,
+    HALF(rows, 3, okpiFilterRowBorderPipeline_8u16s_C3R, okpiFilterRowBorderPipelineGetBufferSize_8u16s_C3R,
+         uint8_t, int16_t, int16_t);
+    HALF(rows, 1, okpiFilterRowBorderPipeline_16s_C1R, okpiFilterRowBorderPipelineGetBufferSize_16s_C1R,
          int16_t, int16_t, int16_t);
-    HALF(rows, okpiFilterRowBorderPipeline_16u_C1R, okpiFilterRowBorderPipelineGetBufferSize_16u_C1R,
+    HALF(rows, 3, okpiFilterRowBorderPipeline_16s_C3R, okpiFilterRowBorderPipelineGetBufferSize_16s_C3R,
+         int16_t, int16_t, int16_t);
+    HALF(rows, 1, okpiFilterRowBorderPipeline_Low_16s_C1R,
+         okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, int16_t, int16_t, int16_t);
+    HALF(rows, 3, okpiFilterRowBorderPipeline_Low_16s_C3R,
+         okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, int16_t, int16_t, int16_t);
+    HALF(rows, 1, okpiFilterRowBorderPipeline_16u_C1R, okpiFilterRowBorderPipelineGetBufferSize_16u_C1R,
          uint16_t, uint16_t, int16_t);
-    HALF(rows, okpiFilterRowBorderPipeline_32f_C1R, okpiFilterRowBorderPipelineGetBufferSize_32f_C1R, float,
-         float, float);
-    HALF(columns, okpiFilterColumnPipeline_16s8s_C1R, okpiFilterColumnPipelineGetBufferSize_16s8s_C1R,
+    HALF(rows, 3, okpiFilterRowBorderPipeline_16u_C3R, okpiFilterRowBorderPipelineGetBufferSize_16u_C3R,
+         uint16_t, uint16_t, int16_t);
+    HALF(rows, 1, okpiFilterRowBorderPipeline_32f_C1R, okpiFilterRowBorderPipelineGetBufferSize_32f_C1R,
+         float, float, float);
+    HALF(rows, 3, okpiFilterRowBorderPipeline_32f_C3R, okpiFilterRowBorderPipelineGetBufferSize_32f_C3R,
+         float, float, float);
+    HALF(columns, 1, okpiFilterColumnPipeline_16s8s_C1R, okpiFilterColumnPipelineGetBufferSize_16s8s_C1R,
          int16_t, int8_t, int16_t);
-    HALF(columns, okpiFilterColumnPipeline_16s8u_C1R, okpiFilterColumnPipelineGetBufferSize_16s8u_C1R,
+    HALF(columns, 3, okpiFilterColumnPipeline_16s8s_C3R, okpiFilterColumnPipelineGetBufferSize_16s8s_C3R,
+         int16_t, int8_t, int16_t);
+    HALF(columns, 1, okpiFilterColumnPipeline_16s8u_C1R, okpiFilterColumnPipelineGetBufferSize_16s8u_C1R,
          int16_t, uint8_t, int16_t);
-    HALF(columns, okpiFilterColumnPipeline_16s_C1R, okpiFilterColumnPipelineGetBufferSize_16s_C1R, int16_t,
+    HALF(columns, 3, okpiFilterColumnPipeline_16s8u_C3R, okpiFilterColumnPipelineGetBufferSize_16s8u_C3R,
+         int16_t, uint8_t, int16_t);
+    HALF(columns, 1, okpiFilterColumnPipeline_16s_C1R, okpiFilterColumnPipelineGetBufferSize_16s_C1R, int16_t,
          int16_t, int16_t);
-    HALF(columns, okpiFilterColumnPipeline_Low_16s_C1R, okpiFilterColumnPipelineGetBufferSize_Low_16s_C1R,
+    HALF(columns, 3, okpiFilterColumnPipeline_16s_C3R, okpiFilterColumnPipelineGetBufferSize_16s_C3R, int16_t,
+         int16_t, int16_t);
+    HALF(columns, 1, okpiFilterColumnPipeline_Low_16s_C1R, okpiFilterColumnPipelineGetBufferSize_Low_16s_C1R,
          int16_t, int16_t, int16_t);
-    HALF(columns, okpiFilterColumnPipeline_16u_C1R, okpiFilterColumnPipelineGetBufferSize_16u_C1R, uint16_t,
-         uint16_t, int16_t);
-    HALF(columns, okpiFilterColumnPipeline_32f_C1R, okpiFilterColumnPipelineGetBufferSize_32f_C1R, float,
+    HALF(columns, 3, okpiFilterColumnPipeline_Low_16s_C3R, okpiFilterColumnPipelineGetBufferSize_Low_16s_C3R,
+         int16_t, int16_t, int16_t);
+    HALF(columns, 1, okpiFilterColumnPipeline_16u_C1R, okpiFilterColumnPipelineGetBufferSize_16u_C1R,
+         uint16_t, uint16_t, int16_t);
+    HALF(columns, 3, okpiFilterColumnPipeline_16u_C3R, okpiFilterColumnPipelineGetBufferSize_16u_C3R,
+         uint16_t, uint16_t, int16_t);
+    HALF(columns, 1, okpiFilterColumnPipeline_32f_C1R, okpiFilterColumnPipelineGetBufferSize_32f_C1R, float,
+         float, float);
+    HALF(columns, 3, okpiFilterColumnPipeline_32f_C3R, okpiFilterColumnPipelineGetBufferSize_32f_C3R, float,
          float, float);
 #undef HALF
 });
