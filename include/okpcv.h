@@ -8,8 +8,12 @@
 #include "okpcv/types.h"
 
 #include "okpcv/arith.h"
+#include "okpcv/filter.h"
 #include "okpcv/features.h"
 #include "okpcv/geometry.h"
+#include "okpcv/segment.h"
+#include "okpcv/integral.h"
+#include "okpcv/stats.h"
 #include "okpcv/morph.h"
 #include "okpcv/version.h"
 

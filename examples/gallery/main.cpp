@@ -68,6 +68,10 @@ int main(int argc, char** argv) {
         Gallery gallery{fitted(photo), {}, toGray(readPng(EXAMPLE_IMAGES "/coins.png")), Page(folder)};
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
+        addStatsPanels(gallery);
+        addIntegralPanels(gallery);
+        addFilterPanels(gallery);
+        addFeaturePanels(gallery);
         addGeometryPanels(gallery);
         addMorphPanels(gallery);
 

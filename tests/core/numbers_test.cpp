@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 
 namespace okpcv::test {
@@ -31,6 +32,10 @@ TEST(Numbers, ShiftAndProductRules) {
     EXPECT_EQ(shiftRightHalfUp(5, 0), 5);
     EXPECT_EQ(wrappingProduct(65536, 65536), 0);
     EXPECT_EQ(wrappingProduct(13, INT32_MAX), static_cast<int32_t>(13LL * INT32_MAX));
+    EXPECT_EQ(wrappingSum(INT32_MAX, 2), INT32_MIN + 1);
+    EXPECT_EQ(powerOfTwo(-1022), 0x1p-1022);
+    EXPECT_EQ(powerOfTwo(1023), 0x1p1023);
+    EXPECT_EQ(std::bit_cast<uint64_t>(kNegativeNaN), 0xFFF8000000000000U);
     EXPECT_EQ(roundUp(33, 32), 64);
     EXPECT_EQ(roundUp(64, 32), 64);
 }
