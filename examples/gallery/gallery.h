@@ -16,6 +16,7 @@ struct Gallery {
 void addArithPanels(Gallery& gallery);
 void addFeaturePanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
+void addSegmentPanels(Gallery& gallery);
 void addIntegralPanels(Gallery& gallery);
 void addStatsPanels(Gallery& gallery);
 

@@ -71,6 +71,7 @@ int main(int argc, char** argv) {
         addStatsPanels(gallery);
         addIntegralPanels(gallery);
         addFeaturePanels(gallery);
+        addSegmentPanels(gallery);
         addGeometryPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
