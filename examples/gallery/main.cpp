@@ -71,8 +71,10 @@ int main(int argc, char** argv) {
         addDistancePanels(gallery);
         addStatsPanels(gallery);
         addIntegralPanels(gallery);
+        addFilterPanels(gallery);
         addFeaturePanels(gallery);
         addGeometryPanels(gallery);
+        addMorphPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
         if (dimensions(photo) != dimensions(gallery.color)) {

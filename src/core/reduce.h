@@ -26,6 +26,7 @@
 #include "core/numbers.h"
 #include "core/rows.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 
 namespace okpcv {
 

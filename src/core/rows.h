@@ -13,15 +13,6 @@
 
 namespace okpcv {
 
-// f(0), f(1), ... f(N - 1), the numbers as constants.
-template <int N, class F>
-OKPCV_INLINE void unrolled(const F& f) {
-    [&]<int... I>(std::integer_sequence<int, I...>) OKPCV_INLINE_LAMBDA {
-        (f(std::integral_constant<int, I>{}), ...);
-    }
-    (std::make_integer_sequence<int, N>{});
-}
-
 // Calls kernel(extent, x) for x = 0, kLanes, 2 * kLanes, ... below `width`.
 template <int kLanes, class Kernel>
 OKPCV_INLINE void mapColumns(int64_t width, const Kernel& kernel) {

@@ -15,12 +15,13 @@
 #include <type_traits>
 
 #define OKPCV_INLINE inline __attribute__((always_inline))
-// The same for lambdas, which take no `inline`.
+// The same for a lambda, behind its parameters.
 #define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace okpcv {
 
 inline constexpr int kVectorBytes = 16;
+inline constexpr int kCacheLineBytes = 64;
 
 namespace detail {
 template <class T>
@@ -219,6 +220,21 @@ OKPCV_INLINE void store(T* p, Vec<T> v, Part part) {
     detail::storeBytes(p, bitCast<int32_t>(v).raw, part.count * int{sizeof(T)});
 }
 
+// Stores the first N lanes, or of a part those among them.
+template <int N, class T, class Extent>
+OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
+    static_assert(N < Vec<T>::lanes);
+    if constexpr (std::is_same_v<Extent, Part>) {
+        store(p, v, Part{extent.count < N ? extent.count : N});
+    } else if constexpr (N * int{sizeof(T)} == 8) {
+        detail::storeScalar(p, _mm_cvtsi128_si64(bitCast<int32_t>(v).raw));
+    } else if constexpr (N * int{sizeof(T)} == 4) {
+        detail::storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
+    } else {
+        store(p, v, Part{N});
+    }
+}
+
 // Orders the streaming stores before it against whatever the caller does next.
 OKPCV_INLINE void finishStreaming() {
     _mm_sfence();
@@ -400,6 +416,22 @@ OKPCV_INLINE uint32_t laneBits(Vec<T> mask) {
         return static_cast<uint32_t>(_mm_movemask_pd(bitCast<double>(mask).raw));
     }
 }
+// The inverse of laneBits: all ones in the lanes whose bit is set.
+template <class T>
+OKPCV_INLINE Vec<T> laneMask(uint32_t bits) {
+    using Lane = std::conditional_t<
+        sizeof(T) == 1, uint8_t,
+        std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
+    // Every lane gets the bits, or of two bytes of them the one that holds its own, and looks at its own bit.
+    constexpr int bitsPerLane = sizeof(T) == 1 ? 8 : Vec<T>::lanes;
+    Vec<Lane> all =
+        bitCast<Lane>(broadcast(static_cast<std::conditional_t<sizeof(T) == 1, uint16_t, Lane>>(bits)));
+    if constexpr (sizeof(T) == 1) all.raw = _mm_shuffle_epi8(all.raw, _mm_set_epi64x(0x0101010101010101, 0));
+    Lane own[Vec<T>::lanes];
+    for (int i = 0; i < Vec<T>::lanes; ++i) own[i] = static_cast<Lane>(Lane{1} << (i % bitsPerLane));
+    const auto ownBit = std::bit_cast<Vec<Lane>>(own);
+    return bitCast<T>(equal(all & ownBit, ownBit));
+}
 // Whether any bit of v is set.
 template <class T>
 OKPCV_INLINE bool anyBit(Vec<T> v) {
@@ -462,6 +494,19 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
         static_assert(kIsDouble<T>);
         return {_mm_div_pd(a.raw, b.raw)};
     }
+}
+
+// sum += term, in the register of the sum. Left to themselves, compilers add into the register of the term as
+// often, and finish one sum before they begin the next: copies, and additions that wait for each other, where
+// several sums should advance side by side.
+OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
+    __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
+    __asm__("paddd %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
+    __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
 
 // a < b ? a : b, so b where the lanes are unordered or equal.
@@ -551,7 +596,8 @@ OKPCV_INLINE Vec<T> sqrt(Vec<T> a) {
     }
 }
 
-// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign.
+// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign. A shift by a
+// lane's width or more leaves no bit.
 template <class T>
 OKPCV_INLINE Vec<T> shiftLeft(Vec<T> a, int bits) {
     if constexpr (sizeof(T) == 2) {
@@ -651,6 +697,14 @@ OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
 OKPCV_INLINE Vec<int32_t> narrowTruncated(Vec<double> low, Vec<double> high) {
     return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.raw), _mm_cvttpd_epi32(high.raw))};
 }
+// Truncated towards zero, for narrowSaturated<T> to finish: the two together are truncateSaturated<T> (see
+// numbers.h) in every lane. Below the range and for NaN the conversion gives INT32_MIN, which narrows to the
+// smallest T; so only the upper side needs a clamp, and its operands are ordered to let NaN through.
+template <class T>
+OKPCV_INLINE Vec<int32_t> truncateToNarrow(Vec<float> a) {
+    static_assert(kIsInt<T> && sizeof(T) <= 2);
+    return truncateToInt(min(broadcast(static_cast<float>(std::numeric_limits<T>::max())), a));
+}
 // Two vectors of doubles rounded to single precision.
 OKPCV_INLINE Vec<float> narrow(Vec<double> low, Vec<double> high) {
     return {_mm_movelh_ps(_mm_cvtpd_ps(low.raw), _mm_cvtpd_ps(high.raw))};
@@ -732,6 +786,13 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
         z = _mm_unpackhi_epi64(x, y);
     }
     return bitCast<T>(Vec<int32_t>{z});
+}
+// The bytes of each lane in the opposite order.
+template <class T>
+OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
+    static_assert(sizeof(T) == 8);
+    const __m128i order = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
+    return {_mm_shuffle_epi8(a.raw, order)};
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {

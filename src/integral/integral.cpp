@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "core/rows.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 #include "okpcv/integral.h"
 
 namespace okpcv {

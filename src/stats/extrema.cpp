@@ -12,6 +12,7 @@
 #include "core/reduce.h"
 #include "core/rows.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 #include "okpcv/stats.h"
 #include "stats/source_checks.h"
 

@@ -223,6 +223,8 @@ TYPED_TEST(SimdAll, ReportsLanes) {
             bits |= 1U << i;
         }
         EXPECT_EQ(laneBits(vectorOf(mask)), bits);
+        const Lanes<T> again = lanesOf(laneMask<T>(bits));
+        EXPECT_EQ(std::memcmp(&again, &mask, sizeof mask), 0);
         EXPECT_EQ(anyBit(vectorOf(mask)), bits != 0);
     }
 }
@@ -354,6 +356,13 @@ TEST(Simd, ConvertsFloats) {
     asm volatile("" : "+m"(wide));
     EXPECT_EQ(lanesOf(narrowTruncated(vectorOf(Lanes<double>{2147483647.9, 0.99}), vectorOf(wide))),
               (Lanes<int32_t>{INT32_MAX, 0, INT32_MIN, -7}));
+}
+
+TEST(Simd, ReversesBytes) {
+    const Lanes<uint64_t> reversed =
+        lanesOf(reverseBytes(vectorOf(Lanes<uint64_t>{0x0102030405060708U, 0xFF00000000000080U})));
+    EXPECT_EQ(reversed[0], 0x0807060504030201U);
+    EXPECT_EQ(reversed[1], 0x80000000000000FFU);
 }
 
 TEST(Simd, PacksChosenLanes) {

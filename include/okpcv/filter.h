@@ -1,0 +1,951 @@
+/**
+ * @file filter.h
+ * @brief Linear filters: separable filters with the caller's kernels, and their two halves.
+ */
+#ifndef OKPCV_FILTER_H
+#define OKPCV_FILTER_H
+
+#include "okpcv/types.h"
+
+/**
+ * @defgroup separable Separable filters
+ * @brief Correlation with a kernel that is the product of a row kernel and a column kernel.
+ *
+ * With a row kernel @f$ k @f$ of length @f$ k_w @f$, a column kernel @f$ l @f$ of length @f$ k_h @f$, anchors
+ * @f$ a_x = \lfloor (k_w - 1) / 2 \rfloor @f$ and @f$ a_y = \lfloor (k_h - 1) / 2 \rfloor @f$ (so a kernel
+ * of even length has one more tap behind the pixel than before it), and @f$ r = 1 / divisor @f$ rounded to
+ * single precision:
+ *
+ * @f[ R(x, y) = r \sum_{i=0}^{k_w-1} k_i \, src(x - a_x + i, y), \qquad
+ *     dst(x, y) = C\Bigl( r \sum_{j=0}^{k_h-1} l_j \, R(x, y - a_y + j) \Bigr) @f]
+ *
+ * The kernels are not flipped. All arithmetic is IEEE single precision, one rounding per operation, terms
+ * added in kernel order beginning with zero; results are the same bit for bit at every width, step and
+ * alignment. Where NaNs meet, which of them results is not defined.
+ *
+ * - Integer kernels carry a divisor, which applies to both passes: the pair 1 2 1 / 1 2 1 is normalised by
+ * the divisor 4. Products of coefficients and pixels are exact before they are rounded to single precision.
+ * - Float kernels have no divisor (@f$ r @f$ does not occur).
+ * - @f$ C @f$ stores floats unchanged and clamps to the range of an integer type, then truncates towards
+ * zero: 254.9 becomes 254, and NaN the smallest value of the type.
+ *
+ * Use: ask okpiFilterSeparableGetSpecSize() and okpiFilterSeparableGetBufferSize() how much memory is needed,
+ * fill the spec with okpiFilterSeparableInit_16s() or okpiFilterSeparableInit_32f() once, then filter any
+ * number of times. A spec points into itself: it must not be moved or copied (initialise it again at its new
+ * place instead). Filtering only reads it, so calls that run at the same time may share it, each with a
+ * buffer of its own.
+ * @{
+ */
+
+/**
+ * @brief Bytes of a spec.
+ *
+ * @f$ e (k_w + k_h) + 127 @f$ for kernel elements of @f$ e @f$ bytes.
+ *
+ * @param[in]  kernelSize  Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  kernelType  #DataType16s for integer kernels, #DataType32f for float kernels.
+ * @param[in]  numChannels Channels of the images: 1, 3 or 4.
+ * @param[out] pSpecSize   Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadDataType: another kernel type;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetSpecSize(RoiSize kernelSize, DataTypeCode kernelType,
+                                                   int32_t numChannels, int32_t* pSpecSize);
+
+/**
+ * @brief Bytes of a spec, as a 64-bit count.
+ * @copydetails okpiFilterSeparableGetSpecSize
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetSpecSize_L(RoiSize kernelSize, DataTypeCode kernelType,
+                                                     int32_t numChannels, int64_t* pSpecSize);
+
+/**
+ * @brief Bytes of a work buffer.
+ *
+ * @f$ 256 k_w + 8 k_h + 4 C (e k_w + k_h (width + k_w - 1)) @f$ for kernel elements of @f$ e @f$ bytes and
+ * @f$ C @f$ channels. A buffer serves every region that is not wider, whatever its height.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  kernelSize  Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  dataType    Type of the source: #DataType8u, #DataType16u, #DataType16s or #DataType32f.
+ * @param[in]  kernelType  #DataType16s for integer kernels, #DataType32f for float kernels.
+ * @param[in]  numChannels Channels of the images: 1, 3 or 4.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusBadSize: a width, height or kernel length below 1;
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadDataType: another type of source or kernel;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetBufferSize(RoiSize roiSize, RoiSize kernelSize,
+                                                     DataTypeCode dataType, DataTypeCode kernelType,
+                                                     int32_t numChannels, int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer, for 64-bit region sizes and as a 64-bit count.
+ * @copydetails okpiFilterSeparableGetBufferSize
+ */
+OKPCV_API okpStatus okpiFilterSeparableGetBufferSize_L(RoiSizeL roiSize, RoiSize kernelSize,
+                                                       DataTypeCode dataType, DataTypeCode kernelType,
+                                                       int32_t numChannels, int64_t* pBufferSize);
+
+/**
+ * @brief Fills a spec with integer kernels.
+ *
+ * @param[in]  pRowKernel    Row kernel; copied.
+ * @param[in]  pColumnKernel Column kernel; copied.
+ * @param[in]  kernelSize    Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  divisor       Divisor of both passes; may be negative.
+ * @param[in]  scaleFactor   Filters with signed 16-bit destinations multiply their results by
+ *                           @f$ 2^{-scaleFactor} @f$ before they convert them; others ignore it. Usually 0.
+ * @param[in]  dataType      Type of the source: #DataType8u or #DataType16s.
+ * @param[in]  numChannels   Channels of the images: 1, 3 or 4.
+ * @param[out] pSpec         Spec, of the size that okpiFilterSeparableGetSpecSize() reports for
+ *                           #DataType16s.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadDataType: another type of source;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusZeroDivisor: the divisor is zero.
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_16s(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                                RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                                DataTypeCode dataType, int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with integer kernels; the same function under the name of the `_L` family.
+ * @copydetails okpiFilterSeparableInit_16s
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_16s_L(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                                  RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                                  DataTypeCode dataType, int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with float kernels.
+ *
+ * @param[in]  pRowKernel    Row kernel; copied.
+ * @param[in]  pColumnKernel Column kernel; copied.
+ * @param[in]  kernelSize    Lengths of the row kernel (width) and of the column kernel (height).
+ * @param[in]  dataType      Type of the source: #DataType8u, #DataType16u or #DataType32f.
+ * @param[in]  numChannels   Channels of the images: 1, 3 or 4.
+ * @param[out] pSpec         Spec, of the size that okpiFilterSeparableGetSpecSize() reports for
+ *                           #DataType32f.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadDataType: another type of source;
+ *         - #okpStatusBadNumChannels: another number of channels.
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_32f(const float* pRowKernel, const float* pColumnKernel,
+                                                RoiSize kernelSize, DataTypeCode dataType,
+                                                int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Fills a spec with float kernels; the same function under the name of the `_L` family.
+ * @copydetails okpiFilterSeparableInit_32f
+ */
+OKPCV_API okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const float* pColumnKernel,
+                                                  RoiSize kernelSize, DataTypeCode dataType,
+                                                  int32_t numChannels, void* pSpec);
+
+/**
+ * @brief Filters 8-bit images with integer or float kernels.
+ *
+ * @f$ dst @f$ as given above for the group, each channel by itself. Pixels outside the region come from the
+ * border. The rows that a constant border adds above and below the region have the intermediate value
+ * (borderValue times the sum of the row kernel) times @f$ r @f$ in every column.
+ *
+ * @param[in]  pSrc         Source.
+ * @param[in]  srcStep      Step of the source in bytes.
+ * @param[out] pDst         Destination; may be equal to the source if their steps and pixels are of the same
+ *                          size, but must not overlap it otherwise.
+ * @param[in]  dstStep      Step of the destination in bytes.
+ * @param[in]  roiSize      Size of the region in pixels.
+ * @param[in]  borderType   #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left, @f$ k_w - 1
+ * - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ k_h - 1 - a_y @f$ below are read. Where a region is
+ * too small to be mirrored once, it is mirrored repeatedly.
+ * @param[in]  borderValue  Value of #BorderConstant, in the source's type (for images of several channels a
+ *                          pointer to one value per channel); ignored for other kinds.
+ * @param[in]  pSpec        Spec that an initialiser has filled for this type of source.
+ * @param[in]  pBuffer      Work buffer, of the size that okpiFilterSeparableGetBufferSize() reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
+ *         - #okpStatusNullPointer: the spec is not initialised (its bytes are zero);
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C1R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of three channels with integer or float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const uint8_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of three channels with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C3R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const uint8_t* borderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of four channels with integer or float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C4R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const uint8_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images of four channels with integer or float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u_C4R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const uint8_t* borderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C1R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of three channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  const uint8_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of three channels with integer kernels, for 64-bit sizes
+ * and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    const uint8_t* borderValue, const void* pSpec,
+                                                    void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of four channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                  int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                  const uint8_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters 8-bit images to signed 16-bit ones of four channels with integer kernels, for 64-bit sizes
+ * and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                    int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                    const uint8_t* borderValue, const void* pSpec,
+                                                    void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C1R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of three channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C3R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const int16_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of three channels with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C3R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const int16_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of four channels with integer kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C4R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const int16_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit images of four channels with integer kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16s_C4R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const int16_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C1R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of three channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C3R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const uint16_t* borderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of three channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C3R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const uint16_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of four channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C4R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const uint16_t* borderValue, const void* pSpec,
+                                                void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit images of four channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_16u_C4R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const uint16_t* borderValue, const void* pSpec,
+                                                  void* pBuffer);
+
+/**
+ * @brief Filters float images with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C1R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of three channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C3R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const float* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of three channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C3R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const float* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of four channels with float kernels.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C4R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                                const float* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Filters float images of four channels with float kernels, for 64-bit sizes and steps.
+ * @copydetails okpiFilterSeparable_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                  const float* borderValue, const void* pSpec, void* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup pipelines Row and column pipelines
+ * @brief The two halves of a separable filter, for callers who keep the intermediate rows themselves.
+ *
+ * A row pipeline filters rows horizontally, with a border, into rows that the caller gives as an array of
+ * pointers. A column pipeline combines rows that the caller gives as an array of pointers vertically. So an
+ * image that arrives strip by strip can be filtered strip by strip: the result is that of filtering it whole,
+ * bit for bit, however it is cut.
+ *
+ * Integer kernels have 16-bit coefficients and a divisor; their results are truncated towards zero and
+ * clamped to the range of the destination's type. Float kernels have no divisor. Sums are formed in IEEE
+ * single precision in kernel order beginning with zero, products of integers exact before they are rounded,
+ * as in the separable filters. The `Low` forms form them in 32-bit integers, modulo @f$ 2^{32} @f$, and
+ * convert the sum: they are faster, and give the same results wherever no sum of products exceeds @f$ 2^{24}
+ * @f$ in magnitude.
+ *
+ * The buffers need no alignment and hold nothing between calls.
+ * @{
+ */
+
+/**
+ * @brief Filters signed 16-bit rows horizontally.
+ *
+ * @f[ dst_y(x) = C\Bigl( \frac{1}{divisor} \sum_{i=0}^{k-1} kernel_i \, src(x - anchor + i, y) \Bigr) @f]
+ *
+ * with the reciprocal of the divisor rounded to single precision, and @f$ C @f$ the conversion to the type of
+ * the result: truncation towards zero, then saturation. Each channel is filtered by itself.
+ *
+ * @param[in]  pSrc        Source.
+ * @param[in]  srcStep     Step of the source in bytes.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  pKernel     Kernel.
+ * @param[in]  kernelSize  Length k of the kernel.
+ * @param[in]  anchor      Index of the coefficient that meets the pixel itself, 0 to k - 1.
+ * @param[in]  borderType  #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                         #BorderInMemory. Only the flags of the left and the right side matter: on a side in
+ *                         memory, `anchor` columns to the left or k - 1 - `anchor` to the right are read.
+ * @param[in]  borderValue Value of #BorderConstant, in the source's type (for images of several channels a
+ *                         pointer to one value per channel); ignored for other kinds.
+ * @param[in]  divisor     Divisor of the sums, at least 1.
+ * @param[in]  pBuffer     Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppDst` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadAnchor: an anchor outside the kernel;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size;
+ *         - #okpStatusBadArgument: a divisor below 1;
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16s_C1R(const int16_t* pSrc, int32_t srcStep,
+                                                        int16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        int16_t borderValue, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16s_C3R(const int16_t* pSrc, int32_t srcStep,
+                                                        int16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const int16_t* borderValue, int32_t divisor,
+                                                        void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C1R(const uint16_t* pSrc, int32_t srcStep,
+                                                        uint16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        uint16_t borderValue, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C3R(const uint16_t* pSrc, int32_t srcStep,
+                                                        uint16_t* const* ppDst, RoiSize roiSize,
+                                                        const int16_t* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const uint16_t* borderValue, int32_t divisor,
+                                                        void* pBuffer);
+
+/**
+ * @brief Filters float rows horizontally.
+ *
+ * @f[ dst_y(x) = \sum_{i=0}^{k-1} kernel_i \, src(x - anchor + i, y) @f]
+ *
+ * Each channel is filtered by itself.
+ *
+ * @param[in]  pSrc        Source.
+ * @param[in]  srcStep     Step of the source in bytes.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  pKernel     Kernel.
+ * @param[in]  kernelSize  Length k of the kernel.
+ * @param[in]  anchor      Index of the coefficient that meets the pixel itself, 0 to k - 1.
+ * @param[in]  borderType  #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                         #BorderInMemory. Only the flags of the left and the right side matter: on a side in
+ *                         memory, `anchor` columns to the left or k - 1 - `anchor` to the right are read.
+ * @param[in]  borderValue Value of #BorderConstant, in the source's type (for images of several channels a
+ *                         pointer to one value per channel); ignored for other kinds.
+ * @param[in]  pBuffer     Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppDst` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadAnchor: an anchor outside the kernel;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size;
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C1R(const float* pSrc, int32_t srcStep,
+                                                        float* const* ppDst, RoiSize roiSize,
+                                                        const float* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        float borderValue, void* pBuffer);
+
+/**
+ * @brief Filters float rows of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_32f_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C3R(const float* pSrc, int32_t srcStep,
+                                                        float* const* ppDst, RoiSize roiSize,
+                                                        const float* pKernel, int32_t kernelSize,
+                                                        int32_t anchor, BorderKind borderType,
+                                                        const float* borderValue, void* pBuffer);
+
+/**
+ * @brief Filters 8-bit rows to signed 16-bit ones horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                          int16_t* const* ppDst, RoiSize roiSize,
+                                                          const int16_t* pKernel, int32_t kernelSize,
+                                                          int32_t anchor, BorderKind borderType,
+                                                          uint8_t borderValue, int32_t divisor,
+                                                          void* pBuffer);
+
+/**
+ * @brief Filters 8-bit rows to signed 16-bit ones of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_8u16s_C3R(const uint8_t* pSrc, int32_t srcStep,
+                                                          int16_t* const* ppDst, RoiSize roiSize,
+                                                          const int16_t* pKernel, int32_t kernelSize,
+                                                          int32_t anchor, BorderKind borderType,
+                                                          const uint8_t* borderValue, int32_t divisor,
+                                                          void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C1R(const int16_t* pSrc, int32_t srcStep,
+                                                            int16_t* const* ppDst, RoiSize roiSize,
+                                                            const int16_t* pKernel, int32_t kernelSize,
+                                                            int32_t anchor, BorderKind borderType,
+                                                            int16_t borderValue, int32_t divisor,
+                                                            void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums of three channels horizontally.
+ * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C3R(const int16_t* pSrc, int32_t srcStep,
+                                                            int16_t* const* ppDst, RoiSize roiSize,
+                                                            const int16_t* pKernel, int32_t kernelSize,
+                                                            int32_t anchor, BorderKind borderType,
+                                                            const int16_t* borderValue, int32_t divisor,
+                                                            void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows vertically.
+ *
+ * @f[ dst(x, y) = C\Bigl( \frac{1}{divisor} \sum_{j=0}^{k-1} kernel_j \, src_{y+j}(x) \Bigr) @f]
+ *
+ * with the reciprocal of the divisor rounded to single precision, and @f$ C @f$ the conversion to the type of
+ * the result: truncation towards zero, then saturation.
+ *
+ * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
+ * @param[out] pDst       Destination.
+ * @param[in]  dstStep    Step of the destination in bytes.
+ * @param[in]  roiSize    Size of the destination in pixels.
+ * @param[in]  pKernel    Kernel.
+ * @param[in]  kernelSize Length k of the kernel.
+ * @param[in]  divisor    Divisor of the sums, at least 1.
+ * @param[in]  pBuffer    Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer other than the buffer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadArgument: a divisor below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppSrc` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size (elements wider than a
+ *           byte only);
+ *         - #okpStatusNullPointer: the buffer is null.
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s_C1R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s_C3R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to signed 8-bit ones vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8s_C1R(const int16_t* const* ppSrc, int8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to signed 8-bit ones of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8s_C3R(const int16_t* const* ppSrc, int8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to unsigned 8-bit ones vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8u_C1R(const int16_t* const* ppSrc, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows to unsigned 8-bit ones of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16s8u_C3R(const int16_t* const* ppSrc, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize,
+                                                       const int16_t* pKernel, int32_t kernelSize,
+                                                       int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C1R(const uint16_t* const* ppSrc, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters unsigned 16-bit rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C3R(const uint16_t* const* ppSrc, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, const int16_t* pKernel,
+                                                     int32_t kernelSize, int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters float rows vertically.
+ *
+ * @f[ dst(x, y) = \sum_{j=0}^{k-1} kernel_j \, src_{y+j}(x) @f]
+ *
+ * Each channel is filtered by itself.
+ *
+ * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
+ * @param[out] pDst       Destination.
+ * @param[in]  dstStep    Step of the destination in bytes.
+ * @param[in]  roiSize    Size of the destination in pixels.
+ * @param[in]  pKernel    Kernel.
+ * @param[in]  kernelSize Length k of the kernel.
+ * @param[in]  pBuffer    Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer other than the buffer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppSrc` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size (elements wider than a
+ *           byte only);
+ *         - #okpStatusNullPointer: the buffer is null.
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C1R(const float* const* ppSrc, float* pDst, int32_t dstStep,
+                                                     RoiSize roiSize, const float* pKernel,
+                                                     int32_t kernelSize, void* pBuffer);
+
+/**
+ * @brief Filters float rows of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_32f_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C3R(const float* const* ppSrc, float* pDst, int32_t dstStep,
+                                                     RoiSize roiSize, const float* pKernel,
+                                                     int32_t kernelSize, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_Low_16s_C1R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize,
+                                                         const int16_t* pKernel, int32_t kernelSize,
+                                                         int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Filters signed 16-bit rows with 32-bit integer sums of three channels vertically.
+ * @copydetails okpiFilterColumnPipeline_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipeline_Low_16s_C3R(const int16_t* const* ppSrc, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize,
+                                                         const int16_t* pKernel, int32_t kernelSize,
+                                                         int32_t divisor, void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16s_C1R(): 48 k + 112 for a kernel of length
+ * k.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  kernelSize  Length of the kernel.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadSize: width, height or kernel length below 1;
+ *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16s_C3R():
+ * 40 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16u_C1R():
+ * 48 k + 80 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_16u_C3R():
+ * 112 k + 80 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_32f_C1R():
+ * 64 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_32f_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_32f_C3R():
+ * 192 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_32f_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                     int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_8u16s_C1R():
+ * 36 k + 144 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                       int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_8u16s_C3R():
+ * 60 k + 144 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                       int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_Low_16s_C1R():
+ * 24 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                         int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterRowBorderPipeline_Low_16s_C3R():
+ * 208 k + 96 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                         int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s_C1R():
+ * 12 (w rounded up to a multiple of 4) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s_C3R():
+ * 36 (w rounded up to a multiple of 4) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16u_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16u_C3R():
+ * 36 (3 w rounded up to a multiple of 4) + 32 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_Low_16s_C1R():
+ * 12 (w rounded up to a multiple of 8) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_Low_16s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                      int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_Low_16s_C3R():
+ * 36 (w rounded up to a multiple of 8) + 64 for a width of w pixels.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_Low_16s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                      int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8s_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8s_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8s_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8s_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8u_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8u_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_16s8u_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_16s8u_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                    int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_32f_C1R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C1R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterColumnPipeline_32f_C3R():
+ * 16 k + 32 for a kernel of length k.
+ * @copydetails okpiFilterRowBorderPipelineGetBufferSize_16s_C1R
+ */
+OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C3R(RoiSize roiSize, int32_t kernelSize,
+                                                                  int32_t* pBufferSize);
+
+/** @} */
+
+#endif /* OKPCV_FILTER_H */

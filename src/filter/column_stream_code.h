@@ -1,0 +1,97 @@
+// The code of column streams, for the source files that instantiate it.
+#pragma once
+
+#include "core/image.h"
+#include "core/simd.h"
+#include "core/unrolled.h"
+#include "filter/column_pass.h"
+#include "filter/column_stream.h"
+
+namespace okpcv {
+
+// `Rows` rows of the batch at one place of one vector. Sum r is that of output row r of the batch; the last
+// length - 1 sums are of rows behind it. Sum r takes from input row m the tap length - 1 - (r - m). Without
+// an output the completed sums, of rows above the region, are dropped.
+template <class D, int Length, bool Symmetric, int Rows, bool HasOutput, class Extent>
+OKPCV_INLINE void streamRows(const Image<D>& out, const float* const* rows, int64_t x, const float* table,
+                             float scale, float* state, Extent extent) {
+    constexpr int lanes = Vec<float>::lanes;
+    constexpr int pending = Length - 1;
+    constexpr int products = Symmetric ? (Length + 1) / 2 : Length;
+    Vec<float> sum[Rows + pending];
+    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA { sum[r] = load(state + r * lanes); });
+    unrolled<Rows>([&](auto m) OKPCV_INLINE_LAMBDA {
+        const Vec<float> in = load(rows[m] + x, extent);
+        unrolled<products>([&](auto j) OKPCV_INLINE_LAMBDA {
+            const Vec<float> product = in * load(table + j * lanes);
+            constexpr int newest = m + pending - j;
+            constexpr int mirrored = m + j;
+            if constexpr (Symmetric && mirrored != newest) accumulate(sum[mirrored], product);
+            if constexpr (j == 0) {
+                sum[newest] = product;
+            } else {
+                accumulate(sum[newest], product);
+            }
+        });
+        if constexpr (HasOutput) {
+            const Vec<float> result[1] = {kIsFloat<D> ? sum[m] + zeros<float>() : sum[m] * broadcast(scale)};
+            storeResults(out.row(m) + x, result, extent);
+        }
+    });
+    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA { store(state + r * lanes, sum[Rows + r]); });
+}
+
+template <class D, int Length, bool Symmetric>
+void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* rows, int64_t count,
+                   const float* kernel, float scale, float* state) {
+    constexpr int lanes = Vec<float>::lanes;
+    alignas(kVectorBytes) float table[Length * lanes];
+    for (int j = 0; j < Length; ++j) store(table + j * lanes, broadcast(kernel[j]));
+
+    const auto stream = [&]<int Rows, bool HasOutput>(int64_t row) OKPCV_INLINE_LAMBDA {
+        const Image<D> dst{HasOutput ? Image<D>{out, step}.row(row) : nullptr, step};
+        float* places = state;
+        forBlocks<1, lanes>(count, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            streamRows<D, Length, Symmetric, Rows, HasOutput>(dst, rows + row, x, table, scale, places,
+                                                              extent);
+            places += (Length - 1) * lanes;
+        });
+    };
+    int64_t row = 0;
+    if (out == nullptr) {
+        for (; row < rowCount; ++row) stream.template operator()<1, false>(row);
+        return;
+    }
+    for (; row + kStreamBatch <= rowCount; row += kStreamBatch) {
+        stream.template operator()<kStreamBatch, true>(row);
+    }
+    for (; row < rowCount; ++row) stream.template operator()<1, true>(row);
+}
+
+// The code for a length that only the caller's data knows, or null.
+template <class D>
+ColumnStreamCode<D> selectColumnStream(int64_t length, bool symmetric) {
+    const auto code = [symmetric]<int Length>(std::integral_constant<int, Length>) {
+        return symmetric ? streamColumns<D, Length, true> : streamColumns<D, Length, false>;
+    };
+    switch (length) {
+        case 3:
+            return code(std::integral_constant<int, 3>{});
+        case 5:
+            return code(std::integral_constant<int, 5>{});
+        case 7:
+            return code(std::integral_constant<int, 7>{});
+        case 9:
+            return code(std::integral_constant<int, 9>{});
+        case 11:
+            return code(std::integral_constant<int, 11>{});
+        case 13:
+            return code(std::integral_constant<int, 13>{});
+        case 15:
+            return code(std::integral_constant<int, 15>{});
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace okpcv

@@ -1,0 +1,81 @@
+// Row passes: one row of the source to one intermediate row. A row pass is a function object
+//
+//     void operator()(Mid* out, const S* in, int64_t count) const
+//
+// that computes `count` elements (pixels times channels): element x of `out` from the elements x, x + C,
+// x + 2 * C, ... of `in`, one for each tap of the kernel. It reads in[0] to in[count - 1 + (length - 1) * C]
+// and nothing else, so that borders are none of its concern.
+#pragma once
+
+#include <cstdint>
+
+#include "core/simd.h"
+#include "filter/results.h"
+#include "filter/weighted_sum.h"
+
+namespace okpcv {
+
+// Sums in single precision: out[x] = sum of kernel[i] * in[x + i * C], in kernel order; for integer kernels
+// times `scale`, the reciprocal of their divisor. Integer elements are converted as they are loaded, exactly.
+// Results for the caller's eyes begin their sums with zero, which shows only in float results: a sum of
+// nothing but negative zeros is +0.
+template <class K, int Channels, bool kBeginsWithZero = false>
+struct FloatRowPass {
+    const K* kernel;
+    int64_t length;
+    float scale;
+    // Channels again, for long kernels: knowing it, compilers try to carry loads from tap to tap.
+    int64_t channels = Channels;
+
+    template <class Out, class S>
+    __attribute__((noinline)) void operator()(Out* out, const S* in, int64_t count) const {
+        withTaps(kernel, length, [&](const auto& taps) OKPCV_INLINE_LAMBDA {
+            using Taps = std::remove_cvref_t<decltype(taps)>;
+            const Vec<float> s = broadcast(scale);
+            const int64_t step = Taps::fixed ? Channels : channels;
+            forBlocks<Taps::vectors, Vec<float>::lanes>(
+                count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                    const S* const p = in + x;
+                    Vec<float> sum[block.vectors];
+                    taps.sum(
+                        sum, [&](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * step; }, extent);
+                    for (int v = 0; v < block.vectors; ++v) {
+                        if constexpr (kBeginsWithZero && kIsFloat<Out>) sum[v] = sum[v] + zeros<float>();
+                        if constexpr (kIsInt<K>) sum[v] = sum[v] * s;
+                    }
+                    storeResults(out + x, sum, extent);
+                });
+        });
+    }
+};
+
+// Rows of another type, converted to float a stretch at a time before a float row pass reads them: the
+// conversion is paid once per element instead of once per tap.
+template <class S, class K, int Channels>
+struct ConvertingRowPass {
+    FloatRowPass<K, Channels> pass;
+    float* scratch;
+    int64_t scratchCount;  // more than (length - 1) * Channels
+
+    void operator()(float* out, const S* in, int64_t count) const {
+        const int64_t reach = (pass.length - 1) * Channels;
+        const int64_t stretch = scratchCount - reach;
+        for (int64_t x = 0; x < count; x += stretch) {
+            const int64_t n = count - x < stretch ? count - x : stretch;
+            convert(in + x, n + reach);
+            pass(out + x, scratch, n);
+        }
+    }
+
+  private:
+    __attribute__((noinline)) void convert(const S* in, int64_t count) const {
+        forBlocks<4, Vec<float>::lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < block.vectors; ++v) {
+                const int64_t at = x + v * Vec<float>::lanes;
+                store(scratch + at, loadAs<float>(in + at, extent), extent);
+            }
+        });
+    }
+};
+
+}  // namespace okpcv

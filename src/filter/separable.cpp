@@ -1,0 +1,509 @@
+// Separable filters: a row kernel, then a column kernel, given by the caller as 16-bit integers with a common
+// divisor or as floats. Both passes sum in kernel order in single precision, and both multiply by the
+// reciprocal of the divisor.
+#include <cmath>
+#include <cstring>
+
+#include "core/area.h"
+#include "core/border.h"
+#include "core/checks.h"
+#include "core/fp_control.h"
+#include "core/image.h"
+#include "core/numbers.h"
+#include "filter/column_pass.h"
+#include "filter/column_stream.h"
+#include "filter/integer_pass.h"
+#include "filter/row_pass.h"
+#include "filter/separable_engine.h"
+#include "filter/stream_engine.h"
+#include "okpcv/filter.h"
+
+namespace okpcv {
+namespace {
+
+enum KernelKind : int32_t { IntegerKernels = 0, FloatKernels = 1 };
+
+// The caller's spec area: this record, then at kKernelOffset the row kernel and the column kernel. Specs may
+// lie at any address, so the record is copied in and out.
+struct SeparableSpec {
+    int32_t kernelKind;
+    int32_t kernelWidth;
+    int32_t kernelHeight;
+    int32_t divisor;
+    int32_t scaleFactor;
+    void* rowKernel;
+    int64_t reserved1;
+    void* columnKernel;
+    int64_t reserved2;
+    int32_t numChannels;
+};
+constexpr int64_t kKernelOffset = 64;
+constexpr int64_t kSpecOverhead = 127;
+static_assert(sizeof(SeparableSpec) <= kKernelOffset && kKernelOffset <= kSpecOverhead);
+
+constexpr bool isChannelCount(int32_t channels) {
+    return channels == 1 || channels == 3 || channels == 4;
+}
+constexpr bool isKernelType(DataTypeCode type) {
+    return type == DataType16s || type == DataType32f;
+}
+constexpr bool isImageType(DataTypeCode type) {
+    return type == DataType8u || type == DataType16u || type == DataType16s || type == DataType32f;
+}
+constexpr int64_t kernelElementBytes(DataTypeCode kernelType) {
+    return kernelType == DataType16s ? sizeof(int16_t) : sizeof(float);
+}
+
+// What the size query promises for the work buffer, and so what a call may use of it:
+// 256 kw + 8 kh + 4 C (b kw + kh (width + kw - 1)) bytes for kernel elements of b bytes. False when the
+// number does not fit 64 bits.
+bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t channels, int64_t& bytes) {
+    const int64_t kw = kernel.width;
+    const int64_t kh = kernel.height;
+    int64_t rowElements = 0;
+    int64_t ring = 0;
+    return addChecked(width, kw - 1, rowElements) && multiplyChecked(rowElements, kh, ring) &&
+           addChecked(ring, kernelBytes * kw, ring) && multiplyChecked(ring, int64_t{4} * channels, ring) &&
+           addChecked(ring, 256 * kw + 8 * kh, bytes);
+}
+
+// The work buffer of one call, all of it within the promised number of bytes: the parts of the stream engine
+// if the column kernel has a stream and they fit, of the separable engine otherwise; and, for sources that
+// are converted before they are filtered, a stretch of a row as floats.
+template <class S, int Channels>
+struct WorkBuffer {
+    bool streamed = false;
+    S* window;  // of the stream engine
+    float* streamState;
+    SeparableBuffer<S, float> engine;
+    float* scratch;
+    int64_t scratchCount;
+
+    WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
+               bool inPlace) {
+        constexpr bool converts = !kIsFloat<S>;
+        const int64_t reach = (row.length - 1) * Channels;
+        const int64_t leastScratch = converts ? reach + 8 * Channels : 0;
+        const auto takeScratch = [&](Area& area, int64_t rowElements) {
+            if (!converts) return;
+            const int64_t most = reach + rowElements;
+            const int64_t left = (bytes - area.bytes() - kVectorBytes) / int64_t{sizeof(float)};
+            scratchCount = most < left ? most : left;
+            scratch = area.take<float>(scratchCount, kVectorBytes);
+        };
+
+        if (hasColumnStream(column.length) && !inPlace) {
+            const auto layOut = [&](Area& area) {
+                window = area.take<S>(windowPixels<float>(row) * Channels, kVectorBytes);
+                streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
+            };
+            Area counted;
+            layOut(counted);
+            counted.take<float>(leastScratch, kVectorBytes);
+            streamed = counted.bytes() <= bytes;
+            if (streamed) {
+                Area placed(memory);
+                layOut(placed);
+                takeScratch(placed, tilePixels<Channels>() * Channels);
+                return;
+            }
+        }
+        using Shapes = RingShapes<Channels, float>;
+        const Shapes shapes(column, width, Shapes::batchFor(column));
+        Area fixed;
+        layOutSeparable<Channels, S, float>(fixed, row, column, {0, Shapes::batchFor(column), 0});
+        fixed.take<float>(leastScratch, kVectorBytes);
+        const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(float)};
+        const RingShape shape = inPlace ? shapes.wholeRows() : shapes.within(elements, converts ? 1 : 0);
+        Area placed(memory);
+        engine = layOutSeparable<Channels, S, float>(placed, row, column, shape);
+        takeScratch(placed, shape.strip * Channels);
+    }
+};
+
+// What the row pass makes of border values: value * (sum of the kernel), times the reciprocal of the divisor
+// for integer kernels.
+template <class S, class K>
+float filteredBorderValue(S value, const K* kernel, int64_t length, float scale) {
+    if constexpr (kIsInt<K>) {
+        int64_t sum = 0;
+        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        return static_cast<float>(static_cast<float>(sum) * static_cast<float>(value)) * scale;
+    } else {
+        float sum = 0;
+        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        return static_cast<float>(value) * sum;
+    }
+}
+
+// The sum of a kernel's coefficients without their signs.
+int64_t magnitude(const int16_t* kernel, int64_t length) {
+    int64_t sum = 0;
+    for (int64_t i = 0; i < length; ++i) {
+        const int64_t k = coefficient(kernel, i);
+        sum += k < 0 ? -k : k;
+    }
+    return sum;
+}
+
+// Whether no sum of products with elements of S can exceed what single precision counts exactly.
+template <class S>
+bool sumsAreExact(const int16_t* kernel, int64_t length) {
+    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
+    return magnitude(kernel, length) * largest <= int64_t{1} << 24;
+}
+
+// v * 2^-scaleFactor.
+float scaledDown(float v, int32_t scaleFactor) {
+    constexpr int32_t enough = 300;  // shifts any float out of its range
+    const int32_t exponent = scaleFactor < -enough ? enough : scaleFactor > enough ? -enough : -scaleFactor;
+    return std::ldexp(v, exponent);
+}
+
+template <class K, class S, int Channels, class D>
+void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& task, float rowScale,
+                float columnScale, const WorkBuffer<S, Channels>& buffer) {
+    const auto* const rowKernel = static_cast<const K*>(spec.rowKernel);
+    const auto* const columnKernel = static_cast<const K*>(spec.columnKernel);
+
+    float outside[Channels] = {};
+    if (task.border.kind() == BorderConstant) {
+        for (int c = 0; c < Channels; ++c) {
+            outside[c] = filteredBorderValue(task.borderValue[c], rowKernel, task.row.length, rowScale);
+        }
+    }
+    const auto run = [&](const auto& rowPass) {
+        const int64_t length = task.column.length;
+        if (buffer.streamed) {
+            filterStreamed(task, buffer.window, buffer.streamState, outside, rowPass,
+                           ColumnStream<D>(columnKernel, length, columnScale));
+        } else {
+            filterSeparable(task, buffer.engine, outside, rowPass,
+                            FloatColumnPass<D, K>{columnKernel, length, columnScale});
+        }
+    };
+    const FloatRowPass<K, Channels> floatPass{rowKernel, task.row.length, rowScale};
+    if constexpr (kIsInt<K> && (std::is_same_v<S, uint8_t> || std::is_same_v<S, int16_t>)) {
+        if (sumsAreExact<S>(rowKernel, task.row.length)) {
+            return run(IntegerRowPass<Channels>{rowKernel, task.row.length, rowScale});
+        }
+    }
+    if constexpr (kIsFloat<S>) {
+        run(floatPass);
+    } else {
+        run(ConvertingRowPass<S, K, Channels>{floatPass, buffer.scratch, buffer.scratchCount});
+    }
+}
+
+// How integer kernels filter 8-bit images without single precision. Where the divisor is a power of two and
+// no sum of products exceeds 2^24 in magnitude, every intermediate value and every sum of the definition is a
+// number that single precision holds exactly; then the order of additions does not matter, and the whole is
+// the integer (sum over both kernels) / 2^bits, truncated and clamped.
+struct ExactPlan {
+    enum class Sums { None, Signed16, Unsigned16, Signed32 };
+    Sums sums = Sums::None;
+    int bits = 0;
+    int32_t bias = 0;         // taken from row sums so that they fit 16 bits
+    int32_t columnStart = 0;  // what that takes from column sums
+
+    ExactPlan(const SeparableSpec& spec, int32_t scaleFactor) {
+        const int64_t divisor = spec.divisor;
+        if (divisor < 1 || (divisor & (divisor - 1)) != 0) return;
+        if (spec.kernelWidth > WrappingKernel::longest || spec.kernelHeight > WrappingKernel::longest) return;
+        const int64_t shift = 2 * int64_t{__builtin_ctzll(static_cast<uint64_t>(divisor))} + scaleFactor;
+        if (shift < 0 || shift > 30) return;
+
+        const Range row =
+            Range{0, 255}.weighted(static_cast<const int16_t*>(spec.rowKernel), spec.kernelWidth);
+        const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
+        const Range sum = row.weighted(columnKernel, spec.kernelHeight);
+        // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is less than this.
+        const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
+        if (largest > int64_t{1} << 24) return;
+
+        bits = static_cast<int>(shift);
+        if (bits <= 15 && sum.low >= -32768 && sum.high <= 32767) {
+            sums = Sums::Signed16;
+        } else if (bits <= 15 && sum.low >= 0 && sum.high <= 65535) {
+            sums = Sums::Unsigned16;
+        } else if (row.high - row.low <= 65535) {
+            sums = Sums::Signed32;
+            bias = row.low >= -32768 && row.high <= 32767 ? 0 : static_cast<int32_t>(row.low + 32768);
+            int64_t columnSum = 0;
+            for (int64_t j = 0; j < spec.kernelHeight; ++j) columnSum += coefficient(columnKernel, j);
+            columnStart = static_cast<int32_t>(columnSum * bias);
+        }
+    }
+
+  private:
+    struct Range {
+        int64_t low, high;
+
+        Range weighted(const int16_t* kernel, int64_t length) const {
+            Range sum{0, 0};
+            for (int64_t i = 0; i < length; ++i) {
+                const int64_t k = coefficient(kernel, i);
+                sum.low += k * (k < 0 ? high : low);
+                sum.high += k * (k < 0 ? low : high);
+            }
+            return sum;
+        }
+    };
+};
+
+template <int Channels, class D>
+void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Channels, D>& task,
+                   const ExactPlan& plan, void* pBuffer, int64_t bytes) {
+    const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
+    const auto* const rowKernel = static_cast<const int16_t*>(spec.rowKernel);
+    const WrappingKernel wrappingRow(rowKernel, task.row.length);
+    const WrappingRowPass<Channels> rowPass{wrappingRow, static_cast<int16_t>(-plan.bias)};
+
+    using Shapes = RingShapes<Channels, int16_t>;
+    const Shapes shapes(task.column, task.size.width, Shapes::batchFor(task.column));
+    Area fixed;
+    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column,
+                                                {0, Shapes::batchFor(task.column), 0});
+    const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(int16_t)};
+    Area placed(pBuffer);
+    const auto buffer = layOutSeparable<Channels, uint8_t, int16_t>(
+        placed, task.row, task.column, task.inPlace() ? shapes.wholeRows() : shapes.within(elements, 0));
+
+    int16_t outside[Channels] = {};
+    if (task.border.kind() == BorderConstant) {
+        int64_t sum = 0;
+        for (int64_t i = 0; i < task.row.length; ++i) sum += coefficient(rowKernel, i);
+        for (int c = 0; c < Channels; ++c) {
+            outside[c] = static_cast<int16_t>(task.borderValue[c] * sum - plan.bias);
+        }
+    }
+    if (plan.sums == ExactPlan::Sums::Signed32) {
+        filterSeparable(task, buffer, outside, rowPass,
+                        IntegerColumnPass<D, ShiftedRight>{
+                            columnKernel, task.column.length, plan.columnStart, {plan.bits}});
+        return;
+    }
+    const WrappingKernel wrappingColumn(columnKernel, task.column.length);
+    if (plan.sums == ExactPlan::Sums::Signed16) {
+        filterSeparable(task, buffer, outside, rowPass,
+                        WrappingColumnPass<D, int16_t>{wrappingColumn, plan.bits});
+    } else {
+        filterSeparable(task, buffer, outside, rowPass,
+                        WrappingColumnPass<D, uint16_t>{wrappingColumn, plan.bits});
+    }
+}
+
+template <class S, int Channels, class D>
+okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size, BorderKind borderType,
+                 const S* borderValue, const void* pSpec, void* pBuffer) {
+    Checks checks;
+    checks.pointers(src.data, dst.data, pBuffer, pSpec).size(size).rowsFit(size, src, dst);
+    if (checks.failed()) return checks.status();
+
+    SeparableSpec spec;
+    std::memcpy(&spec, pSpec, sizeof spec);
+    const Border border(borderType);
+    checks.pointers(spec.rowKernel, spec.columnKernel)
+        .require(isFilterBorder(borderType), okpStatusBadBorder)
+        .require(border.kind() != BorderConstant || borderValue != nullptr, okpStatusNullPointer);
+    if (checks.failed()) return checks.status();
+
+    const bool integer = spec.kernelKind == IntegerKernels;
+    int64_t bytes = 0;
+    checks.require(workBufferBytes(size.width, {spec.kernelWidth, spec.kernelHeight},
+                                   kernelElementBytes(integer ? DataType16s : DataType32f), Channels, bytes),
+                   okpStatusBadSize);
+    if (checks.failed()) return checks.status();
+
+    const SeparableTask<S, Channels, D> task{
+        src,    dst,        size, Reach::centred(spec.kernelWidth), Reach::centred(spec.kernelHeight),
+        border, borderValue};
+    const DenormalExceptionMask mask;
+    if constexpr (std::is_same_v<S, uint8_t>) {
+        if (integer) {
+            const ExactPlan plan(spec, std::is_same_v<D, int16_t> ? spec.scaleFactor : 0);
+            if (plan.sums != ExactPlan::Sums::None) {
+                filterExactly(spec, task, plan, pBuffer, bytes);
+                return okpStatusOk;
+            }
+        }
+    }
+    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
+    if (integer) {
+        const float reciprocal = 1.0F / static_cast<float>(spec.divisor);
+        const float columnScale =
+            std::is_same_v<D, int16_t> ? scaledDown(reciprocal, spec.scaleFactor) : reciprocal;
+        filterWith<int16_t>(spec, task, reciprocal, columnScale, buffer);
+    } else {
+        filterWith<float>(spec, task, 1.0F, 1.0F, buffer);
+    }
+    return okpStatusOk;
+}
+
+// Queries of both widths: T is the result's type.
+template <class T>
+okpStatus specSize(RoiSize kernel, DataTypeCode kernelType, int32_t channels, T* pSize) {
+    Checks checks;
+    checks.size(kernel)
+        .pointers(pSize)
+        .require(isKernelType(kernelType), okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels);
+    if (checks.failed()) return checks.status();
+
+    const int64_t elements = int64_t{kernel.width} + kernel.height;
+    const int64_t bytes = elements * kernelElementBytes(kernelType) + kSpecOverhead;
+    checks.require(bytes <= kLargest<T>, okpStatusBadSize);
+    if (!checks.failed()) *pSize = static_cast<T>(bytes);
+    return checks.status();
+}
+
+template <class T>
+okpStatus bufferSize(Size size, RoiSize kernel, DataTypeCode dataType, DataTypeCode kernelType,
+                     int32_t channels, T* pSize) {
+    Checks checks;
+    checks.size(size)
+        .size(kernel)
+        .pointers(pSize)
+        .require(isImageType(dataType), okpStatusBadDataType)
+        .require(isKernelType(kernelType), okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels);
+    if (checks.failed()) return checks.status();
+
+    int64_t bytes = 0;
+    const bool fits = workBufferBytes(size.width, kernel, kernelElementBytes(kernelType), channels, bytes) &&
+                      bytes <= kLargest<T>;
+    checks.require(fits, okpStatusBadSize);
+    if (!checks.failed()) *pSize = static_cast<T>(bytes);
+    return checks.status();
+}
+
+template <class K>
+okpStatus init(const K* pRowKernel, const K* pColumnKernel, RoiSize kernel, int32_t divisor,
+               int32_t scaleFactor, bool dataTypeAccepted, int32_t channels, void* pSpec) {
+    Checks checks;
+    checks.pointers(pRowKernel, pSpec, pColumnKernel)
+        .size(kernel)
+        .require(dataTypeAccepted, okpStatusBadDataType)
+        .require(isChannelCount(channels), okpStatusBadNumChannels)
+        .require(divisor != 0, okpStatusZeroDivisor);
+    if (checks.failed()) return checks.status();
+
+    const size_t rowBytes = sizeof(K) * static_cast<size_t>(kernel.width);
+    const size_t columnBytes = sizeof(K) * static_cast<size_t>(kernel.height);
+    char* const kernels = static_cast<char*>(pSpec) + kKernelOffset;
+    SeparableSpec spec = {};
+    spec.kernelKind = kIsFloat<K> ? FloatKernels : IntegerKernels;
+    spec.kernelWidth = kernel.width;
+    spec.kernelHeight = kernel.height;
+    spec.divisor = divisor;
+    spec.scaleFactor = scaleFactor;
+    spec.rowKernel = kernels;
+    spec.columnKernel = kernels + rowBytes;
+    spec.numChannels = channels;
+    std::memcpy(pSpec, &spec, sizeof spec);
+    std::memcpy(kernels, static_cast<const void*>(pRowKernel), rowBytes);
+    std::memcpy(kernels + rowBytes, static_cast<const void*>(pColumnKernel), columnBytes);
+    return okpStatusOk;
+}
+
+}  // namespace
+}  // namespace okpcv
+
+using namespace okpcv;
+
+#define FILTER_C1(NAME, S, D, STEP, SIZE)                                                                   \
+    okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
+                   S borderValue, const void* pSpec, void* pBuffer) {                                       \
+        return filter<S, 1, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, &borderValue, pSpec,  \
+                               pBuffer);                                                                    \
+    }
+
+#define FILTER_CN(NAME, S, D, CHANNELS, STEP, SIZE)                                                         \
+    okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
+                   const S* borderValue, const void* pSpec, void* pBuffer) {                                \
+        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, borderValue,   \
+                                      pSpec, pBuffer);                                                      \
+    }
+
+FILTER_C1(okpiFilterSeparable_8u_C1R, uint8_t, uint8_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_8u_C1R_L, uint8_t, uint8_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u_C3R, uint8_t, uint8_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u_C3R_L, uint8_t, uint8_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u_C4R, uint8_t, uint8_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u_C4R_L, uint8_t, uint8_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_8u16s_C1R, uint8_t, int16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_8u16s_C1R_L, uint8_t, int16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u16s_C3R, uint8_t, int16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u16s_C3R_L, uint8_t, int16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_8u16s_C4R, uint8_t, int16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_8u16s_C4R_L, uint8_t, int16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_16s_C1R, int16_t, int16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_16s_C1R_L, int16_t, int16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16s_C3R, int16_t, int16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16s_C3R_L, int16_t, int16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16s_C4R, int16_t, int16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16s_C4R_L, int16_t, int16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_16u_C1R, uint16_t, uint16_t, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_16u_C1R_L, uint16_t, uint16_t, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16u_C3R, uint16_t, uint16_t, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16u_C3R_L, uint16_t, uint16_t, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_16u_C4R, uint16_t, uint16_t, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_16u_C4R_L, uint16_t, uint16_t, 4, int64_t, RoiSizeL)
+
+FILTER_C1(okpiFilterSeparable_32f_C1R, float, float, int32_t, RoiSize)
+FILTER_C1(okpiFilterSeparable_32f_C1R_L, float, float, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_32f_C3R, float, float, 3, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_32f_C3R_L, float, float, 3, int64_t, RoiSizeL)
+FILTER_CN(okpiFilterSeparable_32f_C4R, float, float, 4, int32_t, RoiSize)
+FILTER_CN(okpiFilterSeparable_32f_C4R_L, float, float, 4, int64_t, RoiSizeL)
+
+okpStatus okpiFilterSeparableGetSpecSize(RoiSize kernelSize, DataTypeCode kernelType, int32_t numChannels,
+                                         int32_t* pSpecSize) {
+    return specSize(kernelSize, kernelType, numChannels, pSpecSize);
+}
+
+okpStatus okpiFilterSeparableGetSpecSize_L(RoiSize kernelSize, DataTypeCode kernelType, int32_t numChannels,
+                                           int64_t* pSpecSize) {
+    return specSize(kernelSize, kernelType, numChannels, pSpecSize);
+}
+
+okpStatus okpiFilterSeparableGetBufferSize(RoiSize roiSize, RoiSize kernelSize, DataTypeCode dataType,
+                                           DataTypeCode kernelType, int32_t numChannels,
+                                           int32_t* pBufferSize) {
+    return bufferSize(roiSize, kernelSize, dataType, kernelType, numChannels, pBufferSize);
+}
+
+okpStatus okpiFilterSeparableGetBufferSize_L(RoiSizeL roiSize, RoiSize kernelSize, DataTypeCode dataType,
+                                             DataTypeCode kernelType, int32_t numChannels,
+                                             int64_t* pBufferSize) {
+    return bufferSize(roiSize, kernelSize, dataType, kernelType, numChannels, pBufferSize);
+}
+
+okpStatus okpiFilterSeparableInit_16s(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                      RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                      DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    return okpiFilterSeparableInit_16s_L(pRowKernel, pColumnKernel, kernelSize, divisor, scaleFactor,
+                                         dataType, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_16s_L(const int16_t* pRowKernel, const int16_t* pColumnKernel,
+                                        RoiSize kernelSize, int32_t divisor, int32_t scaleFactor,
+                                        DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    const bool accepted = dataType == DataType16s || dataType == DataType8u;
+    return init(pRowKernel, pColumnKernel, kernelSize, divisor, scaleFactor, accepted, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_32f(const float* pRowKernel, const float* pColumnKernel, RoiSize kernelSize,
+                                      DataTypeCode dataType, int32_t numChannels, void* pSpec) {
+    return okpiFilterSeparableInit_32f_L(pRowKernel, pColumnKernel, kernelSize, dataType, numChannels, pSpec);
+}
+
+okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const float* pColumnKernel,
+                                        RoiSize kernelSize, DataTypeCode dataType, int32_t numChannels,
+                                        void* pSpec) {
+    const bool accepted = dataType == DataType8u || dataType == DataType16u || dataType == DataType32f;
+    return init(pRowKernel, pColumnKernel, kernelSize, 1, 0, accepted, numChannels, pSpec);
+}
