@@ -34,8 +34,7 @@ function(okpcv_shared_library target)
     LINKER_LANGUAGE C
     BUILD_RPATH_USE_ORIGIN ON
     BUILD_RPATH "$ORIGIN"
-    INSTALL_RPATH "$ORIGIN"
-    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+    INSTALL_RPATH "$ORIGIN")
   target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now -Wl,--enable-new-dtags -Wl,--as-needed)
   if(OKPCV_SANITIZE)
     # The sanitizers bring their own run time, which has initialisers and data.
