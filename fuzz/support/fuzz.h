@@ -100,7 +100,7 @@ class Block {
     void fill(Data& data) {
         uint64_t state = data.any<uint32_t>() | uint64_t{1} << 40;
         const int kind = data.between(0, 3);
-        uint8_t few[4];
+        uint8_t few[4] = {};
         data.bytes(few, sizeof few);
         for (size_t i = 0; i < bytes_; ++i) {
             state ^= state << 13, state ^= state >> 7, state ^= state << 17;
