@@ -14,6 +14,7 @@ struct Gallery {
 };
 
 void addArithPanels(Gallery& gallery);
+void addFeaturePanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
 
 // Throws std::runtime_error when the status is an error. Warnings pass.

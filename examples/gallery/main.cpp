@@ -68,6 +68,7 @@ int main(int argc, char** argv) {
         Gallery gallery{fitted(photo), {}, toGray(readPng(EXAMPLE_IMAGES "/coins.png")), Page(folder)};
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
+        addFeaturePanels(gallery);
         addGeometryPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";

@@ -1,11 +1,204 @@
 /**
  * @file features.h
- * @brief Features: positions of local extrema.
+ * @brief Features: the Canny edge detector, positions of local extrema.
  */
 #ifndef OKPCV_FEATURES_H
 #define OKPCV_FEATURES_H
 
 #include "okpcv/types.h"
+
+/**
+ * @defgroup canny Canny edge detector
+ * @brief Edges of one pixel's width, found by gradient magnitude, suppression off the ridges, and hysteresis.
+ *
+ * From the horizontal and vertical derivatives @f$ d_x @f$ and @f$ d_y @f$ of an image:
+ *
+ * 1. The magnitude is @f$ m = |d_x| + |d_y| @f$ (L1) or @f$ m = d_x^2 + d_y^2 @f$ (L2, with both thresholds
+ *    squared in single precision and no square root taken). It becomes 0 unless it passes the low threshold:
+ *    for integer derivatives @f$ m > trunc(low) @f$, for float ones @f$ m \ge low @f$. Outside the region
+ *    magnitudes are 0. NaN magnitudes do not pass.
+ * 2. A pixel survives when its magnitude exceeds that of the two neighbours along the gradient. The direction
+ * is vertical when @f$ |d_y| > 2.414213562373095 \, |d_x| @f$, else horizontal when
+ *    @f$ 0.41421356237309503 \, |d_x| > |d_y| @f$ (the products formed in double and rounded to single
+ * precision), else diagonal: up-left and down-right when the derivatives have the same sign, zero counting as
+ * positive, up-right and down-left otherwise. In the vertical and horizontal directions the magnitude may
+ * equal that of the neighbour below or to the right.
+ * 3. Survivors whose magnitude, as a float, exceeds the high threshold are edges, and so are survivors that
+ *    touch an edge at a side or a corner.
+ *
+ * A low threshold beyond the integers (or NaN) leaves no edge. Large destinations are streamed past the
+ * caches (see okpGetMaxCacheSizeB()).
+ *
+ * Source: J. Canny, "A Computational Approach to Edge Detection", IEEE Transactions on Pattern Analysis and
+ * Machine Intelligence 8 (1986).
+ * @{
+ */
+
+/**
+ * @brief Size of the work buffer of okpiCanny_16s8u_C1R() and okpiCanny_32f8u_C1R().
+ *
+ * @f[ 16 \cdot width + k \, (width + 2)(height + 2) + 160 @f]
+ *
+ * with k = 5 where width and height are below 65533 and k = 9 otherwise.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[out] pBufferSize Size in bytes.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: @p pBufferSize is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusSizeTooLarge: the size exceeds 2147483647.
+ */
+OKPCV_API okpStatus okpiCannyGetSize(RoiSize roiSize, int32_t* pBufferSize);
+
+/**
+ * @brief Size of the work buffer of okpiCanny_16s8u_C1R_L() and okpiCanny_32f8u_C1R_L().
+ *
+ * The formula of okpiCannyGetSize() in 64 bits.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[out] pBufferSize Size in bytes.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: @p pBufferSize is null;
+ *         - #okpStatusSizeTooLarge: width or height above 2147483647;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusSizeTooLarge: the size exceeds 64 bits.
+ */
+OKPCV_API okpStatus okpiCannyGetSize_L(RoiSizeL roiSize, int64_t* pBufferSize);
+
+/**
+ * @brief Edges from 16-bit derivatives, by the L1 magnitude.
+ *
+ * @param[in]  pSrcDx      Horizontal derivative: right minus left.
+ * @param[in]  srcDxStep   Step of the horizontal derivative in bytes.
+ * @param[in]  pSrcDy      Vertical derivative: lower minus upper.
+ * @param[in]  srcDyStep   Step of the vertical derivative in bytes.
+ * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere.
+ * @param[in]  dstEdgeStep Step of the edge map in bytes.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  lowThresh   Low threshold, not negative.
+ * @param[in]  highThresh  High threshold, not below the low one.
+ * @param      pBuffer     Work buffer of the size that okpiCannyGetSize() gives; needs no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
+ *         - #okpStatusStepNotMultiple: a derivative's step no multiple of its element size;
+ *         - #okpStatusBadArgument: the low threshold is negative or above the high one.
+ */
+OKPCV_API okpStatus okpiCanny_16s8u_C1R(const int16_t* pSrcDx, int32_t srcDxStep, const int16_t* pSrcDy,
+                                        int32_t srcDyStep, uint8_t* pDstEdges, int32_t dstEdgeStep,
+                                        RoiSize roiSize, float lowThresh, float highThresh, uint8_t* pBuffer);
+
+/**
+ * @brief Edges from float derivatives, by the L1 magnitude.
+ * @copydetails okpiCanny_16s8u_C1R
+ */
+OKPCV_API okpStatus okpiCanny_32f8u_C1R(const float* pSrcDx, int32_t srcDxStep, const float* pSrcDy,
+                                        int32_t srcDyStep, uint8_t* pDstEdges, int32_t dstEdgeStep,
+                                        RoiSize roiSize, float lowThresh, float highThresh, uint8_t* pBuffer);
+
+/**
+ * @brief Edges from 16-bit derivatives, by either magnitude, 64-bit sizes.
+ *
+ * @param[in]  pSrcDx      Horizontal derivative: right minus left.
+ * @param[in]  srcDxStep   Step of the horizontal derivative in bytes.
+ * @param[in]  pSrcDy      Vertical derivative: lower minus upper.
+ * @param[in]  srcDyStep   Step of the vertical derivative in bytes.
+ * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere.
+ * @param[in]  dstEdgeStep Step of the edge map in bytes.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  lowThresh   Low threshold.
+ * @param[in]  highThresh  High threshold.
+ * @param[in]  norm        #NormL1 or #NormL2.
+ * @param      pBuffer     Work buffer of the size that okpiCannyGetSize_L() gives; needs no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusSizeTooLarge: width, height or a step above 2147483647;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
+ *         - #okpStatusStepNotMultiple: a derivative's step no multiple of its element size;
+ *         - #okpStatusBadArgument: the low threshold (for L2 both are squared first) is negative or above the
+ *           high one;
+ *         - #okpStatusBadNorm: @p norm is neither #NormL1 nor #NormL2.
+ */
+OKPCV_API okpStatus okpiCanny_16s8u_C1R_L(const int16_t* pSrcDx, int64_t srcDxStep, const int16_t* pSrcDy,
+                                          int64_t srcDyStep, uint8_t* pDstEdges, int64_t dstEdgeStep,
+                                          RoiSizeL roiSize, float lowThresh, float highThresh, NormKind norm,
+                                          uint8_t* pBuffer);
+
+/**
+ * @brief Edges from float derivatives, by either magnitude, 64-bit sizes.
+ * @copydetails okpiCanny_16s8u_C1R_L
+ */
+OKPCV_API okpStatus okpiCanny_32f8u_C1R_L(const float* pSrcDx, int64_t srcDxStep, const float* pSrcDy,
+                                          int64_t srcDyStep, uint8_t* pDstEdges, int64_t dstEdgeStep,
+                                          RoiSizeL roiSize, float lowThresh, float highThresh, NormKind norm,
+                                          uint8_t* pBuffer);
+
+/**
+ * @brief Size of the work buffer of okpiCannyBorder_8u_C1R().
+ *
+ * With m = 3 or 5 the size of the mask, @f$ P = (width + m - 1)(height + m - 1) @f$ and @f$ R @f$ rounding up
+ * to a multiple of 32:
+ *
+ * @f[ (\min(width, height) < m \;?\; R(P) : 0) + R(16 (width + m - 1)) + R(P) + R(4P) + 64 @f]
+ *
+ * @param[in]  roiSize        Size of the region in pixels.
+ * @param[in]  derivativeKind 2: Sobel, 5: Scharr.
+ * @param[in]  mask           #MaskSize3x3, or for Sobel #MaskSize5x5.
+ * @param[in]  dataType       #DataType8u.
+ * @param[out] pBufferSize    Size in bytes.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: @p pBufferSize is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadMaskKind: the mask is neither 3 x 3 nor 5 x 5, or 5 x 5 for Scharr;
+ *         - #okpStatusBadArgument: @p derivativeKind is neither 2 nor 5;
+ *         - #okpStatusBadDataType: @p dataType is not #DataType8u;
+ *         - #okpStatusSizeTooLarge: the size exceeds 2147483647.
+ */
+OKPCV_API okpStatus okpiCannyBorderGetSize(RoiSize roiSize, int32_t derivativeKind, MaskSizeCode mask,
+                                           DataTypeCode dataType, int32_t* pBufferSize);
+
+/**
+ * @brief Edges of an 8-bit image.
+ *
+ * The derivatives are correlations with a smoothing kernel across and a difference kernel along the axis,
+ * right minus left and lower minus upper, unscaled: for Sobel 3 x 3 (1 2 1) and (-1 0 1), for Sobel 5 x 5 (1
+ * 4 6 4 1) and (-1 -2 0 2 1), for Scharr (3 10 3) and (-1 0 1).
+ *
+ * Source of the Scharr kernel: H. Scharr, "Optimale Operatoren in der Digitalen Bildverarbeitung", Heidelberg
+ * University 2000.
+ *
+ * @param[in]  pSrc           Source.
+ * @param[in]  srcStep        Step of the source in bytes.
+ * @param[out] pDst           Edge map: 255 on edges, 0 elsewhere.
+ * @param[in]  dstStep        Step of the edge map in bytes.
+ * @param[in]  roiSize        Size of the region in pixels.
+ * @param[in]  derivativeKind 2: Sobel, 5: Scharr.
+ * @param[in]  mask           #MaskSize3x3, or for Sobel #MaskSize5x5.
+ * @param[in]  border         #BorderReplicate or #BorderConstant with any side flags, or #BorderInMemory.
+ * @param[in]  borderValue    Pixels outside the region, for #BorderConstant.
+ * @param[in]  lowThresh      Low threshold, not negative.
+ * @param[in]  highThresh     High threshold, not below the low one.
+ * @param[in]  norm           #NormL1 or #NormL2.
+ * @param      pBuffer        Work buffer of the size that okpiCannyBorderGetSize() gives; needs no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusBadMaskKind: the mask is neither 3 x 3 nor 5 x 5, or 5 x 5 for Scharr;
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusBadStep: a step below the width;
+ *         - #okpStatusBadArgument: @p derivativeKind is neither 2 nor 5;
+ *         - #okpStatusBadArgument: @p norm is neither #NormL1 nor #NormL2, or the low threshold is negative
+ * or above the high one;
+ *         - #okpStatusBadBorder: @p border is not accepted.
+ */
+OKPCV_API okpStatus okpiCannyBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                           int32_t dstStep, RoiSize roiSize, int32_t derivativeKind,
+                                           MaskSizeCode mask, BorderKind border, uint8_t borderValue,
+                                           float lowThresh, float highThresh, NormKind norm,
+                                           uint8_t* pBuffer);
+
+/** @} */
 
 /**
  * @defgroup peaks Peak finding
@@ -22,7 +215,8 @@
  * @param[out] pBufferSize Size in bytes.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: @p pBufferSize is null;
- *         - #okpStatusBadSize: @p roiWidth below 1, or so large that the size exceeds 2147483647.
+ *         - #okpStatusBadSize: @p roiWidth below 1;
+ *         - #okpStatusSizeTooLarge: the size exceeds 2147483647.
  */
 OKPCV_API okpStatus okpiFindPeaks3x3GetBufferSize_32f_C1R(int32_t roiWidth, int32_t* pBufferSize);
 

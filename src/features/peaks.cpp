@@ -159,7 +159,7 @@ okpStatus peakBufferSize(int32_t roiWidth, int32_t* size) {
     checks.pointers(size).require(roiWidth >= 1, okpStatusBadSize);
     if (checks.failed()) return checks.status();
     const int64_t bytes = (int64_t{32} * roiWidth + 160) / 128 * 128 + 32;
-    if (bytes > INT32_MAX) return okpStatusBadSize;
+    if (bytes > INT32_MAX) return okpStatusSizeTooLarge;
     *size = static_cast<int32_t>(bytes);
     return okpStatusOk;
 }

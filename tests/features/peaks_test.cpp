@@ -150,7 +150,7 @@ TEST(Peaks, BufferSizes) {
         int32_t size = 5;
         EXPECT_EQ(query(0, nullptr), okpStatusNullPointer);
         EXPECT_EQ(query(0, &size), okpStatusBadSize);
-        EXPECT_EQ(query(INT32_MAX, &size), okpStatusBadSize);
+        EXPECT_EQ(query(INT32_MAX, &size), okpStatusSizeTooLarge);
         EXPECT_EQ(size, 5);
         EXPECT_EQ(query(1, &size), okpStatusOk);
         EXPECT_EQ(size, 160);
