@@ -8,9 +8,15 @@
 #include "okpcv/types.h"
 
 #include "okpcv/arith.h"
-#include "okpcv/filter.h"
+#include "okpcv/distance.h"
 #include "okpcv/features.h"
+#include "okpcv/filter.h"
 #include "okpcv/geometry.h"
+#include "okpcv/integral.h"
+#include "okpcv/morph.h"
+#include "okpcv/pyramid.h"
+#include "okpcv/segment.h"
+#include "okpcv/stats.h"
 #include "okpcv/version.h"
 
 #endif /* OKPCV_H */

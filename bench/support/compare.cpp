@@ -141,7 +141,7 @@ void measure(const Setup& setup, Result& result) {
     result.pixels = c.pixels > 0 ? c.pixels : double(result.size.width) * result.size.height;
     result.bytesMoved = (c.reads + 2 * (c.writes + c.updates)) * result.pixels;
 
-    Contender ours(c.ours, c.before), peer(c.peer, c.before), copy(copyMoving(result.bytesMoved), {});
+    Contender ours(c.ours, c.before), peer(c.peer, c.beforePeer), copy(copyMoving(result.bytesMoved), {});
     check(c, ours, peer, result);
     if (session.options.smoke || !result.error.empty()) return;
 

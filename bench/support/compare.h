@@ -46,7 +46,8 @@ struct Case {
     const char* peerName = "";
     Call peer = {};
     std::function<std::string()> agree = {};  // after one call of each: empty, or how the results differ
-    std::function<void()> before = {};  // untimed, before every call, for operations that use up their input
+    // Untimed, before every call of either, for operations that use up their input.
+    std::function<void()> before = {}, beforePeer = {};
 };
 
 using Setup = std::function<Case(RoiSize)>;

@@ -14,8 +14,13 @@ struct Gallery {
 };
 
 void addArithPanels(Gallery& gallery);
+void addDistancePanels(Gallery& gallery);
 void addFeaturePanels(Gallery& gallery);
+void addFilterPanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
+void addIntegralPanels(Gallery& gallery);
+void addStatsPanels(Gallery& gallery);
+void addMorphPanels(Gallery& gallery);
 
 // Throws std::runtime_error when the status is an error. Warnings pass.
 void checkStatus(const char* function, okpStatus status);

@@ -68,8 +68,13 @@ int main(int argc, char** argv) {
         Gallery gallery{fitted(photo), {}, toGray(readPng(EXAMPLE_IMAGES "/coins.png")), Page(folder)};
         gallery.gray = toGray(gallery.color);
         addArithPanels(gallery);
+        addDistancePanels(gallery);
+        addStatsPanels(gallery);
+        addIntegralPanels(gallery);
+        addFilterPanels(gallery);
         addFeaturePanels(gallery);
         addGeometryPanels(gallery);
+        addMorphPanels(gallery);
 
         std::string source = photoPath.filename().string() + ", " + dimensions(photo) + " pixels";
         if (dimensions(photo) != dimensions(gallery.color)) {

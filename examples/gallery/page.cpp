@@ -52,6 +52,10 @@ figcaption { display: flex; flex: 1; flex-direction: column; padding: .8rem 1rem
 .call p :last-child { white-space: nowrap; font-variant-numeric: tabular-nums; }
 figcaption > p { margin: 0 0 .7rem; }
 figcaption > p:only-child { margin: 0; }
+table { grid-column: 1 / -1; border-collapse: collapse; font-size: .92rem; font-variant-numeric: tabular-nums; }
+th, td { padding: .45rem 1rem; border-bottom: 1px solid var(--line); text-align: right; }
+th { color: var(--quiet); font-weight: 500; }
+th:first-child, td:first-child { padding-left: 0; text-align: left; }
 code { font: .9em ui-monospace, "SFMono-Regular", Menlo, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
 )css";
 
@@ -139,6 +143,19 @@ void Page::panel(const Panel& panel) {
                      "</span></p></div>\n";
     }
     sections_ += "</figcaption>\n</figure>\n";
+}
+
+void Page::table(const std::vector<std::string>& head, const std::vector<std::vector<std::string>>& rows) {
+    const auto row = [](const std::vector<std::string>& cells, const std::string& element) {
+        std::string html = "<tr>";
+        for (const std::string& cell : cells) {
+            html += "<" + element + ">" + escaped(cell) + "</" + element + ">";
+        }
+        return html + "</tr>\n";
+    };
+    sections_ += "<table>\n" + row(head, "th");
+    for (const std::vector<std::string>& cells : rows) sections_ += row(cells, "td");
+    sections_ += "</table>\n";
 }
 
 std::filesystem::path Page::write(const std::string& title, const std::vector<std::string>& introduction,

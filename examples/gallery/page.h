@@ -29,6 +29,8 @@ class Page {
     // Starts a section; the panels that follow are in it.
     void section(const std::string& heading, const std::string& sentence);
     void panel(const Panel& panel);
+    // A table below the section's panels; the first column holds names, the others numbers.
+    void table(const std::vector<std::string>& head, const std::vector<std::vector<std::string>>& rows);
 
     // Writes index.html, which shows the photograph at its head, and returns its path.
     std::filesystem::path write(const std::string& title, const std::vector<std::string>& introduction,

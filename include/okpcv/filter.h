@@ -201,7 +201,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u_C1R_L(const uint8_t* pSrc, int64_t sr
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u_C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                               const uint8_t* pBorderValue, const void* pSpec, void* pBuffer);
+                                               const uint8_t* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters 8-bit images of three channels with integer or float kernels, for 64-bit sizes and steps.
@@ -209,7 +209,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u_C3R(const uint8_t* pSrc, int32_t srcS
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u_C3R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                 const uint8_t* pBorderValue, const void* pSpec,
+                                                 const uint8_t* borderValue, const void* pSpec,
                                                  void* pBuffer);
 
 /**
@@ -218,7 +218,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u_C3R_L(const uint8_t* pSrc, int64_t sr
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u_C4R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                               const uint8_t* pBorderValue, const void* pSpec, void* pBuffer);
+                                               const uint8_t* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters 8-bit images of four channels with integer or float kernels, for 64-bit sizes and steps.
@@ -226,7 +226,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u_C4R(const uint8_t* pSrc, int32_t srcS
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u_C4R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
                                                  int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                 const uint8_t* pBorderValue, const void* pSpec,
+                                                 const uint8_t* borderValue, const void* pSpec,
                                                  void* pBuffer);
 
 /**
@@ -251,7 +251,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u16s_C1R_L(const uint8_t* pSrc, int64_t
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                   int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                  const uint8_t* pBorderValue, const void* pSpec,
+                                                  const uint8_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -261,7 +261,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R(const uint8_t* pSrc, int32_t s
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
                                                     int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                    const uint8_t* pBorderValue, const void* pSpec,
+                                                    const uint8_t* borderValue, const void* pSpec,
                                                     void* pBuffer);
 
 /**
@@ -270,7 +270,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u16s_C3R_L(const uint8_t* pSrc, int64_t
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                   int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                  const uint8_t* pBorderValue, const void* pSpec,
+                                                  const uint8_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -280,7 +280,7 @@ OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R(const uint8_t* pSrc, int32_t s
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u16s_C4R_L(const uint8_t* pSrc, int64_t srcStep, int16_t* pDst,
                                                     int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                    const uint8_t* pBorderValue, const void* pSpec,
+                                                    const uint8_t* borderValue, const void* pSpec,
                                                     void* pBuffer);
 
 /**
@@ -305,8 +305,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16s_C1R_L(const int16_t* pSrc, int64_t s
  */
 OKPCV_API okpStatus okpiFilterSeparable_16s_C3R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const int16_t* pBorderValue, const void* pSpec,
-                                                void* pBuffer);
+                                                const int16_t* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters signed 16-bit images of three channels with integer kernels, for 64-bit sizes and steps.
@@ -314,7 +313,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16s_C3R(const int16_t* pSrc, int32_t src
  */
 OKPCV_API okpStatus okpiFilterSeparable_16s_C3R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const int16_t* pBorderValue, const void* pSpec,
+                                                  const int16_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -323,8 +322,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16s_C3R_L(const int16_t* pSrc, int64_t s
  */
 OKPCV_API okpStatus okpiFilterSeparable_16s_C4R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const int16_t* pBorderValue, const void* pSpec,
-                                                void* pBuffer);
+                                                const int16_t* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters signed 16-bit images of four channels with integer kernels, for 64-bit sizes and steps.
@@ -332,7 +330,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16s_C4R(const int16_t* pSrc, int32_t src
  */
 OKPCV_API okpStatus okpiFilterSeparable_16s_C4R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const int16_t* pBorderValue, const void* pSpec,
+                                                  const int16_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -357,7 +355,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16u_C1R_L(const uint16_t* pSrc, int64_t 
  */
 OKPCV_API okpStatus okpiFilterSeparable_16u_C3R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const uint16_t* pBorderValue, const void* pSpec,
+                                                const uint16_t* borderValue, const void* pSpec,
                                                 void* pBuffer);
 
 /**
@@ -366,7 +364,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16u_C3R(const uint16_t* pSrc, int32_t sr
  */
 OKPCV_API okpStatus okpiFilterSeparable_16u_C3R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const uint16_t* pBorderValue, const void* pSpec,
+                                                  const uint16_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -375,7 +373,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16u_C3R_L(const uint16_t* pSrc, int64_t 
  */
 OKPCV_API okpStatus okpiFilterSeparable_16u_C4R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const uint16_t* pBorderValue, const void* pSpec,
+                                                const uint16_t* borderValue, const void* pSpec,
                                                 void* pBuffer);
 
 /**
@@ -384,7 +382,7 @@ OKPCV_API okpStatus okpiFilterSeparable_16u_C4R(const uint16_t* pSrc, int32_t sr
  */
 OKPCV_API okpStatus okpiFilterSeparable_16u_C4R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const uint16_t* pBorderValue, const void* pSpec,
+                                                  const uint16_t* borderValue, const void* pSpec,
                                                   void* pBuffer);
 
 /**
@@ -409,7 +407,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C1R_L(const float* pSrc, int64_t src
  */
 OKPCV_API okpStatus okpiFilterSeparable_32f_C3R(const float* pSrc, int32_t srcStep, float* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const float* pBorderValue, const void* pSpec, void* pBuffer);
+                                                const float* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters float images of three channels with float kernels, for 64-bit sizes and steps.
@@ -417,8 +415,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C3R(const float* pSrc, int32_t srcSt
  */
 OKPCV_API okpStatus okpiFilterSeparable_32f_C3R_L(const float* pSrc, int64_t srcStep, float* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const float* pBorderValue, const void* pSpec,
-                                                  void* pBuffer);
+                                                  const float* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters float images of four channels with float kernels.
@@ -426,7 +423,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C3R_L(const float* pSrc, int64_t src
  */
 OKPCV_API okpStatus okpiFilterSeparable_32f_C4R(const float* pSrc, int32_t srcStep, float* pDst,
                                                 int32_t dstStep, RoiSize roiSize, BorderKind borderType,
-                                                const float* pBorderValue, const void* pSpec, void* pBuffer);
+                                                const float* borderValue, const void* pSpec, void* pBuffer);
 
 /**
  * @brief Filters float images of four channels with float kernels, for 64-bit sizes and steps.
@@ -434,8 +431,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C4R(const float* pSrc, int32_t srcSt
  */
 OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t srcStep, float* pDst,
                                                   int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
-                                                  const float* pBorderValue, const void* pSpec,
-                                                  void* pBuffer);
+                                                  const float* borderValue, const void* pSpec, void* pBuffer);
 
 /** @} */
 
@@ -479,7 +475,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t src
  *                         memory, `anchor` columns to the left or k - 1 - `anchor` to the right are read.
  * @param[in]  borderValue Value of #BorderConstant, in the source's type (for images of several channels a
  *                         pointer to one value per channel); ignored for other kinds.
- * @param[in]  divisor     Divisor of the sums (integer kernels only), at least 1.
+ * @param[in]  divisor     Divisor of the sums, at least 1.
  * @param[in]  pBuffer     Work buffer, of the size that the function's `GetBufferSize` reports.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
@@ -489,7 +485,7 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t src
  *         - #okpStatusBadAnchor: an anchor outside the kernel;
  *         - #okpStatusBadStep: a step below the width of the row in bytes;
  *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size;
- *         - #okpStatusBadArgument: a divisor below 1 (integer kernels only);
+ *         - #okpStatusBadArgument: a divisor below 1;
  *         - #okpStatusBadBorder: another border kind;
  *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
  */
@@ -507,7 +503,7 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_16s_C3R(const int16_t* pSrc, int
                                                         int16_t* const* ppDst, RoiSize roiSize,
                                                         const int16_t* pKernel, int32_t kernelSize,
                                                         int32_t anchor, BorderKind borderType,
-                                                        const int16_t* pBorderValue, int32_t divisor,
+                                                        const int16_t* borderValue, int32_t divisor,
                                                         void* pBuffer);
 
 /**
@@ -528,12 +524,39 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C3R(const uint16_t* pSrc, in
                                                         uint16_t* const* ppDst, RoiSize roiSize,
                                                         const int16_t* pKernel, int32_t kernelSize,
                                                         int32_t anchor, BorderKind borderType,
-                                                        const uint16_t* pBorderValue, int32_t divisor,
+                                                        const uint16_t* borderValue, int32_t divisor,
                                                         void* pBuffer);
 
 /**
  * @brief Filters float rows horizontally.
- * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ *
+ * @f[ dst_y(x) = \sum_{i=0}^{k-1} kernel_i \, src(x - anchor + i, y) @f]
+ *
+ * Each channel is filtered by itself.
+ *
+ * @param[in]  pSrc        Source.
+ * @param[in]  srcStep     Step of the source in bytes.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  pKernel     Kernel.
+ * @param[in]  kernelSize  Length k of the kernel.
+ * @param[in]  anchor      Index of the coefficient that meets the pixel itself, 0 to k - 1.
+ * @param[in]  borderType  #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
+ *                         #BorderInMemory. Only the flags of the left and the right side matter: on a side in
+ *                         memory, `anchor` columns to the left or k - 1 - `anchor` to the right are read.
+ * @param[in]  borderValue Value of #BorderConstant, in the source's type (for images of several channels a
+ *                         pointer to one value per channel); ignored for other kinds.
+ * @param[in]  pBuffer     Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppDst` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadAnchor: an anchor outside the kernel;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size;
+ *         - #okpStatusBadBorder: another border kind;
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
  */
 OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C1R(const float* pSrc, int32_t srcStep,
                                                         float* const* ppDst, RoiSize roiSize,
@@ -543,13 +566,13 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C1R(const float* pSrc, int32
 
 /**
  * @brief Filters float rows of three channels horizontally.
- * @copydetails okpiFilterRowBorderPipeline_16s_C1R
+ * @copydetails okpiFilterRowBorderPipeline_32f_C1R
  */
 OKPCV_API okpStatus okpiFilterRowBorderPipeline_32f_C3R(const float* pSrc, int32_t srcStep,
                                                         float* const* ppDst, RoiSize roiSize,
                                                         const float* pKernel, int32_t kernelSize,
                                                         int32_t anchor, BorderKind borderType,
-                                                        const float* pBorderValue, void* pBuffer);
+                                                        const float* borderValue, void* pBuffer);
 
 /**
  * @brief Filters 8-bit rows to signed 16-bit ones horizontally.
@@ -570,7 +593,7 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_8u16s_C3R(const uint8_t* pSrc, i
                                                           int16_t* const* ppDst, RoiSize roiSize,
                                                           const int16_t* pKernel, int32_t kernelSize,
                                                           int32_t anchor, BorderKind borderType,
-                                                          const uint8_t* pBorderValue, int32_t divisor,
+                                                          const uint8_t* borderValue, int32_t divisor,
                                                           void* pBuffer);
 
 /**
@@ -592,7 +615,7 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C3R(const int16_t* pSrc,
                                                             int16_t* const* ppDst, RoiSize roiSize,
                                                             const int16_t* pKernel, int32_t kernelSize,
                                                             int32_t anchor, BorderKind borderType,
-                                                            const int16_t* pBorderValue, int32_t divisor,
+                                                            const int16_t* borderValue, int32_t divisor,
                                                             void* pBuffer);
 
 /**
@@ -609,12 +632,12 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C3R(const int16_t* pSrc,
  * @param[in]  roiSize    Size of the destination in pixels.
  * @param[in]  pKernel    Kernel.
  * @param[in]  kernelSize Length k of the kernel.
- * @param[in]  divisor    Divisor of the sums (integer kernels only), at least 1.
+ * @param[in]  divisor    Divisor of the sums, at least 1.
  * @param[in]  pBuffer    Work buffer, of the size that the function's `GetBufferSize` reports.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer other than the buffer is null;
  *         - #okpStatusBadSize: width or height below 1;
- *         - #okpStatusBadArgument: a divisor below 1 (integer kernels only);
+ *         - #okpStatusBadArgument: a divisor below 1;
  *         - #okpStatusNullPointer: a pointer in `ppSrc` is null;
  *         - #okpStatusBadSize: a kernel length below 1;
  *         - #okpStatusBadStep: a step below the width of the row in bytes;
@@ -688,7 +711,27 @@ OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C3R(const uint16_t* const* ppSr
 
 /**
  * @brief Filters float rows vertically.
- * @copydetails okpiFilterColumnPipeline_16s_C1R
+ *
+ * @f[ dst(x, y) = \sum_{j=0}^{k-1} kernel_j \, src_{y+j}(x) @f]
+ *
+ * Each channel is filtered by itself.
+ *
+ * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
+ * @param[out] pDst       Destination.
+ * @param[in]  dstStep    Step of the destination in bytes.
+ * @param[in]  roiSize    Size of the destination in pixels.
+ * @param[in]  pKernel    Kernel.
+ * @param[in]  kernelSize Length k of the kernel.
+ * @param[in]  pBuffer    Work buffer, of the size that the function's `GetBufferSize` reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer other than the buffer is null;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusNullPointer: a pointer in `ppSrc` is null;
+ *         - #okpStatusBadSize: a kernel length below 1;
+ *         - #okpStatusBadStep: a step below the width of the row in bytes;
+ *         - #okpStatusStepNotMultiple: a step that is no multiple of the element size (elements wider than a
+ *           byte only);
+ *         - #okpStatusNullPointer: the buffer is null.
  */
 OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C1R(const float* const* ppSrc, float* pDst, int32_t dstStep,
                                                      RoiSize roiSize, const float* pKernel,
@@ -696,7 +739,7 @@ OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C1R(const float* const* ppSrc, 
 
 /**
  * @brief Filters float rows of three channels vertically.
- * @copydetails okpiFilterColumnPipeline_16s_C1R
+ * @copydetails okpiFilterColumnPipeline_32f_C1R
  */
 OKPCV_API okpStatus okpiFilterColumnPipeline_32f_C3R(const float* const* ppSrc, float* pDst, int32_t dstStep,
                                                      RoiSize roiSize, const float* pKernel,

@@ -4,6 +4,7 @@
 #include "core/cache.h"
 #include "core/checks.h"
 #include "core/image.h"
+#include "core/mask.h"
 #include "core/rows.h"
 #include "core/simd.h"
 #include "okpcv/arith.h"
@@ -68,13 +69,6 @@ OKPCV_INLINE void addTo(float* d, Floats<S> terms, Extent extent) {
         const auto rest = extent.from(i * kLanes);
         store(d + i * kLanes, load(d + i * kLanes, rest) + terms.part[i], rest);
     }
-}
-
-// All ones in the lanes of pixels that the mask leaves out, in lanes as wide as T.
-template <class T, class Extent>
-OKPCV_INLINE Vec<T> unselected(const uint8_t* mask, Extent extent) {
-    using Lane = std::conditional_t<kIsFloat<T>, int32_t, T>;
-    return bitCast<T>(equal(loadAs<Lane>(mask, extent), zeros<Lane>()));
 }
 
 // The source with zeros where the mask leaves a pixel out.

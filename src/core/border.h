@@ -18,6 +18,19 @@ constexpr bool isFilterBorder(BorderKind border) {
     return border == BorderInMemory || (border & kBorderKindBits) == BorderConstant || (border & 13U) == 1;
 }
 
+// The kinds that morphology accepts: replicate, mirror, default and constant with any side flags, the flags
+// also in bits 8 to 11, and all sides in memory.
+constexpr bool isMorphologyBorder(BorderKind border) {
+    if (border > 4095) return false;
+    const BorderKind kind = border & kBorderKindBits;
+    return border == BorderInMemory || kind == BorderReplicate || kind == BorderMirror ||
+           kind == BorderDefault || kind == BorderConstant;
+}
+// An accepted kind with the flags in bits 8 to 11 moved to their place in bits 4 to 7.
+constexpr BorderKind foldBorderFlags(BorderKind border) {
+    return (border & 255U) | (border >> 4 & BorderInMemory);
+}
+
 // Where the pixel at a position outside a line comes from.
 class Border {
   public:
@@ -72,24 +85,21 @@ class Border {
 template <int Channels, class T>
 void produceColumns(T* out, const T* row, int64_t width, int64_t from, int64_t to, Border border,
                     const T* value) {
-    const auto copy = [&](int64_t x, int64_t count) {
-        std::memcpy(out, row + x * Channels, static_cast<size_t>(count) * Channels * sizeof(T));
-        out += count * Channels;
-    };
     const auto produce = [&](int64_t x, int64_t end) {
         for (; x < end; ++x) {
             const int64_t source = border.column(x, width);
-            if (source == Border::kValue) {
-                for (int c = 0; c < Channels; ++c) *out++ = value[c];
-            } else {
-                copy(source, 1);
-            }
+            const T* const pixel = source == Border::kValue ? value : row + source * Channels;
+            for (int c = 0; c < Channels; ++c) *out++ = pixel[c];
         }
     };
     const int64_t insideFrom = from < 0 ? 0 : from < width ? from : width;
     const int64_t insideTo = to > width ? width : to > 0 ? to : 0;
     if (from < 0) produce(from, to < 0 ? to : 0);
-    if (insideFrom < insideTo) copy(insideFrom, insideTo - insideFrom);
+    if (insideFrom < insideTo) {
+        const int64_t count = (insideTo - insideFrom) * Channels;
+        std::memcpy(out, row + insideFrom * Channels, static_cast<size_t>(count) * sizeof(T));
+        out += count;
+    }
     if (to > width) produce(from > width ? from : width, to);
 }
 

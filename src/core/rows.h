@@ -5,25 +5,34 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 
 #include "core/image.h"
 #include "core/simd.h"
 
 namespace okpcv {
 
-// Calls kernel(extent, p + x...) for x = 0, kLanes, 2 * kLanes, ... over `width` elements.
-template <int kLanes, class Kernel, class... T>
-OKPCV_INLINE void mapRow(int64_t width, const Kernel& kernel, T*... p) {
+// Calls kernel(extent, x) for x = 0, kLanes, 2 * kLanes, ... below `width`.
+template <int kLanes, class Kernel>
+OKPCV_INLINE void mapColumns(int64_t width, const Kernel& kernel) {
     int64_t x = 0;
     for (; x + 2 * kLanes <= width; x += 2 * kLanes) {
-        kernel(Whole{}, (p + x)...);
-        kernel(Whole{}, (p + x + kLanes)...);
+        kernel(Whole{}, x);
+        kernel(Whole{}, x + kLanes);
     }
     if (x + kLanes <= width) {
-        kernel(Whole{}, (p + x)...);
+        kernel(Whole{}, x);
         x += kLanes;
     }
-    if (x < width) kernel(Part{static_cast<int>(width - x)}, (p + x)...);
+    if (x < width) kernel(Part{static_cast<int>(width - x)}, x);
+}
+
+// The same with addresses: calls kernel(extent, p + x...).
+template <int kLanes, class Kernel, class... T>
+OKPCV_INLINE void mapRow(int64_t width, const Kernel& kernel, T*... p) {
+    mapColumns<kLanes>(width,
+                       [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA { kernel(extent, (p + x)...); });
 }
 
 // Maps pixels to pixels: mapRow over every row of single-channel images (an image of several channels passes

@@ -51,6 +51,11 @@ template <class T>
 inline constexpr bool kIsDouble = std::is_same_v<T, double>;
 template <class T>
 inline constexpr bool kIsInt = std::is_integral_v<T>;
+// The unsigned integer of T's size.
+template <class T>
+using UnsignedLane = std::conditional_t<
+    sizeof(T) == 1, uint8_t,
+    std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
 
 // The same bits as another lane type.
 template <class To, class From>
@@ -235,6 +240,19 @@ OKPCV_INLINE void finishStreaming() {
     _mm_sfence();
 }
 
+// table[index] in every lane.
+template <class T>
+OKPCV_INLINE Vec<T> gather(const T* table, Vec<int32_t> index) {
+    static_assert(sizeof(T) == 4);
+    const auto low = static_cast<uint64_t>(_mm_cvtsi128_si64(index.raw));
+    const auto high = static_cast<uint64_t>(_mm_extract_epi64(index.raw, 1));
+    const auto at = [table](uint64_t i) {
+        return _mm_cvtsi32_si128(detail::loadScalar<int32_t>(table + static_cast<int32_t>(i)));
+    };
+    return bitCast<T>(Vec<int32_t>{_mm_unpacklo_epi64(_mm_unpacklo_epi32(at(low), at(low >> 32)),
+                                                      _mm_unpacklo_epi32(at(high), at(high >> 32)))});
+}
+
 namespace detail {
 
 // Vec<To>::lanes elements of From from the low bytes of `raw`, converted exactly.
@@ -398,6 +416,22 @@ OKPCV_INLINE uint32_t laneBits(Vec<T> mask) {
         return static_cast<uint32_t>(_mm_movemask_pd(bitCast<double>(mask).raw));
     }
 }
+// The inverse of laneBits: all ones in the lanes whose bit is set.
+template <class T>
+OKPCV_INLINE Vec<T> laneMask(uint32_t bits) {
+    using Lane = std::conditional_t<
+        sizeof(T) == 1, uint8_t,
+        std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
+    // Every lane gets the bits, or of two bytes of them the one that holds its own, and looks at its own bit.
+    constexpr int bitsPerLane = sizeof(T) == 1 ? 8 : Vec<T>::lanes;
+    Vec<Lane> all =
+        bitCast<Lane>(broadcast(static_cast<std::conditional_t<sizeof(T) == 1, uint16_t, Lane>>(bits)));
+    if constexpr (sizeof(T) == 1) all.raw = _mm_shuffle_epi8(all.raw, _mm_set_epi64x(0x0101010101010101, 0));
+    Lane own[Vec<T>::lanes];
+    for (int i = 0; i < Vec<T>::lanes; ++i) own[i] = static_cast<Lane>(Lane{1} << (i % bitsPerLane));
+    const auto ownBit = std::bit_cast<Vec<Lane>>(own);
+    return bitCast<T>(equal(all & ownBit, ownBit));
+}
 // Whether any bit of v is set.
 template <class T>
 OKPCV_INLINE bool anyBit(Vec<T> v) {
@@ -467,6 +501,12 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
 // several sums should advance side by side.
 OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
     __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
+    __asm__("paddd %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
+    __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
 
 // a < b ? a : b, so b where the lanes are unordered or equal.
@@ -556,7 +596,8 @@ OKPCV_INLINE Vec<T> sqrt(Vec<T> a) {
     }
 }
 
-// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign.
+// Shifts of every lane by the same number of bits; right shifts of signed lanes keep the sign. A shift by a
+// lane's width or more leaves no bit.
 template <class T>
 OKPCV_INLINE Vec<T> shiftLeft(Vec<T> a, int bits) {
     if constexpr (sizeof(T) == 2) {
@@ -652,6 +693,10 @@ OKPCV_INLINE Vec<int32_t> truncateToInt(Vec<float> a) {
 OKPCV_INLINE Vec<int32_t> roundToInt(Vec<float> a) {
     return {_mm_cvtps_epi32(a.raw)};
 }
+// Two vectors of doubles truncated to 32-bit integers. Out of range and NaN give INT32_MIN.
+OKPCV_INLINE Vec<int32_t> narrowTruncated(Vec<double> low, Vec<double> high) {
+    return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.raw), _mm_cvttpd_epi32(high.raw))};
+}
 // Truncated towards zero, for narrowSaturated<T> to finish: the two together are truncateSaturated<T> (see
 // numbers.h) in every lane. Below the range and for NaN the conversion gives INT32_MIN, which narrows to the
 // smallest T; so only the upper side needs a clamp, and its operands are ordered to let NaN through.
@@ -681,6 +726,29 @@ template <int N, class T>
 OKPCV_INLINE Vec<T> slide(Vec<T> first, Vec<T> second) {
     return bitCast<T>(Vec<int32_t>{
         _mm_alignr_epi8(bitCast<int32_t>(second).raw, bitCast<int32_t>(first).raw, N * int{sizeof(T)})});
+}
+// Lane N in all lanes.
+template <int N, class T>
+OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
+    const __m128i x = bitCast<int32_t>(a).raw;
+    if constexpr (sizeof(T) == 8) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0xAA + 0x44)});
+    } else if constexpr (sizeof(T) == 4) {
+        return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(x, N * 0x55)});
+    } else if constexpr (sizeof(T) == 2) {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi16(static_cast<short>(2 * N + 256 * (2 * N + 1))))};
+    } else {
+        return {_mm_shuffle_epi8(x, _mm_set1_epi8(static_cast<char>(N)))};
+    }
+}
+// Lane i becomes the largest of the lanes 0 to i, and at least 0.
+template <int N = 1, class T>
+OKPCV_INLINE Vec<T> prefixMax(Vec<T> a) {
+    if constexpr (N < Vec<T>::lanes) {
+        return prefixMax<2 * N>(max(a, shiftLanesUp<N>(a)));
+    } else {
+        return max(a, zeros<T>());
+    }
 }
 // a0 b0 a1 b1 ... from the first (second) half of the lanes.
 template <class T>
@@ -715,11 +783,12 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
     }
     return bitCast<T>(Vec<int32_t>{z});
 }
-// Lane N in all lanes.
-template <int N, class T>
-OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
-    static_assert(sizeof(T) == 4);
-    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N * 0x55)});
+// The bytes of each lane in the opposite order.
+template <class T>
+OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
+    static_assert(sizeof(T) == 8);
+    const __m128i order = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
+    return {_mm_shuffle_epi8(a.raw, order)};
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
@@ -728,6 +797,38 @@ OKPCV_INLINE T firstLane(Vec<T> a) {
 template <class T>
 OKPCV_INLINE T lastLane(Vec<T> a) {
     return detail::loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
+}
+
+namespace detail {
+
+struct LaneShuffle {
+    alignas(16) int8_t bytes[16];
+};
+struct LaneShuffles {
+    LaneShuffle of[16];
+};
+// For every set of four lanes the shuffle that moves them to the front.
+constexpr LaneShuffles packingShuffles() {
+    LaneShuffles shuffles{};
+    for (int set = 0; set < 16; ++set) {
+        int place = 0;
+        for (int lane = 0; lane < 4; ++lane) {
+            if ((set >> lane & 1) == 0) continue;
+            for (int i = 0; i < 4; ++i) shuffles.of[set].bytes[place++] = static_cast<int8_t>(4 * lane + i);
+        }
+    }
+    return shuffles;
+}
+inline constexpr LaneShuffles kPackingShuffles = packingShuffles();
+
+}  // namespace detail
+
+// The lanes whose bits are set, in their order, from lane 0 on; the other lanes are unspecified.
+template <class T>
+OKPCV_INLINE Vec<T> packLanes(Vec<T> a, uint32_t laneSet) {
+    static_assert(sizeof(T) == 4);
+    const auto* shuffle = reinterpret_cast<const __m128i*>(detail::kPackingShuffles.of[laneSet].bytes);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi8(bitCast<int32_t>(a).raw, _mm_load_si128(shuffle))});
 }
 
 // All lanes folded by an operation, halves first: for four lanes (0 op 2) op (1 op 3).
@@ -759,18 +860,26 @@ struct Channels3 {
 
 namespace detail {
 
+// As a source: no byte.
+inline constexpr int kNowhere = -1;
+
 // The byte shuffle that moves to place i of the result the byte of input register `input` that belongs there,
 // where source(i) gives the index in the sequence of the three inputs; other places become zero.
+struct ShuffleIndices {
+    alignas(16) int8_t at[16];
+};
 template <class Source>
-constexpr auto shuffleFrom(int input, Source source) {
-    struct Indices {
-        alignas(16) int8_t at[16];
-    } indices{};
+constexpr ShuffleIndices shuffleFrom(int input, Source source) {
+    ShuffleIndices indices{};
     for (int i = 0; i < 16; ++i) {
         const int from = source(i) - 16 * input;
         indices.at[i] = from >= 0 && from < 16 ? static_cast<int8_t>(from) : int8_t{-128};
     }
     return indices;
+}
+
+OKPCV_INLINE __m128i shuffled(__m128i a, const ShuffleIndices& indices) {
+    return _mm_shuffle_epi8(a, _mm_load_si128(reinterpret_cast<const __m128i*>(indices.at)));
 }
 
 // Byte i of channel c of interleaved triples of T, as an index into the three input registers.
@@ -792,11 +901,7 @@ OKPCV_INLINE __m128i gather3(__m128i in0, __m128i in1, __m128i in2, Source) {
     static constexpr auto from0 = shuffleFrom(0, Source{});
     static constexpr auto from1 = shuffleFrom(1, Source{});
     static constexpr auto from2 = shuffleFrom(2, Source{});
-    const auto at = [](const auto& indices) {
-        return _mm_load_si128(reinterpret_cast<const __m128i*>(indices.at));
-    };
-    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(in0, at(from0)), _mm_shuffle_epi8(in1, at(from1))),
-                        _mm_shuffle_epi8(in2, at(from2)));
+    return _mm_or_si128(_mm_or_si128(shuffled(in0, from0), shuffled(in1, from1)), shuffled(in2, from2));
 }
 
 template <class T, int C>
@@ -807,6 +912,20 @@ template <class T, int Out>
 struct ChannelSource {
     constexpr int operator()(int i) const { return channelSource<T>(Out, i); }
 };
+
+// The shuffles of every channel, input by input.
+template <class T>
+constexpr auto channelShuffles() {
+    struct {
+        ShuffleIndices at[3][3];
+    } shuffles{};
+    for (int input = 0; input < 3; ++input) {
+        shuffles.at[0][input] = shuffleFrom(input, TripleSource<T, 0>{});
+        shuffles.at[1][input] = shuffleFrom(input, TripleSource<T, 1>{});
+        shuffles.at[2][input] = shuffleFrom(input, TripleSource<T, 2>{});
+    }
+    return shuffles;
+}
 
 }  // namespace detail
 
@@ -822,6 +941,28 @@ OKPCV_INLINE Channels3<T> deinterleave3(Vec<T> in0, Vec<T> in1, Vec<T> in2) {
     return {channel(detail::TripleSource<T, 0>{}), channel(detail::TripleSource<T, 1>{}),
             channel(detail::TripleSource<T, 2>{})};
 }
+// One channel of interleaved triples, chosen at run time.
+template <class T>
+struct ChannelOf3 {
+    Vec<uint8_t> from0, from1, from2;
+};
+// `channel` counts from 0.
+template <class T>
+OKPCV_INLINE ChannelOf3<T> channelOf3(int channel) {
+    static constexpr auto shuffles = detail::channelShuffles<T>();
+    const auto at = [channel](int input) {
+        return load(reinterpret_cast<const uint8_t*>(shuffles.at[channel][input].at));
+    };
+    return {at(0), at(1), at(2)};
+}
+// deinterleave3(in0, in1, in2).c<channel>.
+template <class T>
+OKPCV_INLINE Vec<T> pick(const ChannelOf3<T>& channel, Vec<T> in0, Vec<T> in1, Vec<T> in2) {
+    const auto from = [](Vec<T> in, Vec<uint8_t> shuffle) {
+        return Vec<uint8_t>{_mm_shuffle_epi8(bitCast<uint8_t>(in).raw, shuffle.raw)};
+    };
+    return bitCast<T>(from(in0, channel.from0) | from(in1, channel.from1) | from(in2, channel.from2));
+}
 // The inverse of deinterleave3.
 template <class T>
 OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
@@ -833,6 +974,47 @@ OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
     };
     return {output(detail::ChannelSource<T, 0>{}), output(detail::ChannelSource<T, 1>{}),
             output(detail::ChannelSource<T, 2>{})};
+}
+
+// The last lane in every lane (32-bit lanes).
+template <class T>
+OKPCV_INLINE Vec<T> broadcastLast(Vec<T> a) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, 0xFF)});
+}
+
+// Lane i becomes the sum of the lanes 0 to i of four lanes: neighbours are added first, then pairs, so that
+// lane 3 of floats is (a3 + a2) + (a1 + a0).
+template <class T>
+OKPCV_INLINE Vec<T> prefixSums(Vec<T> a) {
+    static_assert(Vec<T>::lanes == 4);
+    a = a + shiftLanesUp<1>(a);
+    return a + shiftLanesUp<2>(a);
+}
+
+namespace detail {
+// Lane i: the bytes 0 to i of a quarter of a vector, then zeros.
+template <int kQuarter>
+OKPCV_INLINE __m128i prefixesOfQuarter(Vec<uint8_t> a) {
+    static constexpr auto prefixes =
+        shuffleFrom(0, [](int i) { return i % 4 <= i / 4 ? 4 * kQuarter + i % 4 : kNowhere; });
+    return shuffled(a.raw, prefixes);
+}
+}  // namespace detail
+
+// Lane i becomes the sum of the bytes 0 to i of a quarter of a vector.
+template <int kQuarter>
+OKPCV_INLINE Vec<int32_t> prefixSumsOfQuarter(Vec<uint8_t> a) {
+    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
+    return {_mm_madd_epi16(_mm_maddubs_epi16(bytes, _mm_set1_epi8(1)), _mm_set1_epi16(1))};
+}
+// The same of the bytes' squares.
+template <int kQuarter>
+OKPCV_INLINE Vec<int32_t> prefixSquareSumsOfQuarter(Vec<uint8_t> a) {
+    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
+    const __m128i even = _mm_and_si128(bytes, _mm_set1_epi16(255));
+    const __m128i odd = _mm_srli_epi16(bytes, 8);
+    return {_mm_add_epi32(_mm_madd_epi16(even, even), _mm_madd_epi16(odd, odd))};
 }
 
 }  // namespace okpcv

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "core/simd.h"
 #include "filter/weighted_sum.h"
@@ -23,17 +24,23 @@ using ColumnStreamCode = void (*)(D* out, int64_t step, int64_t outRows, const f
                                   int64_t count, const float* kernel, float scale, float* state);
 
 // Null when no code is dedicated to this length.
-template <class D>
-ColumnStreamCode<D> columnStreamCode(int64_t length, bool symmetric);
-template <>
-ColumnStreamCode<float> columnStreamCode<float>(int64_t length, bool symmetric);
-template <>
-ColumnStreamCode<uint8_t> columnStreamCode<uint8_t>(int64_t length, bool symmetric);
-template <>
-ColumnStreamCode<int16_t> columnStreamCode<int16_t>(int64_t length, bool symmetric);
-template <>
-ColumnStreamCode<uint16_t> columnStreamCode<uint16_t>(int64_t length, bool symmetric);
+ColumnStreamCode<uint8_t> columnStreamTo8u(int64_t length, bool symmetric);
+ColumnStreamCode<uint16_t> columnStreamTo16u(int64_t length, bool symmetric);
+ColumnStreamCode<int16_t> columnStreamTo16s(int64_t length, bool symmetric);
+ColumnStreamCode<float> columnStreamTo32f(int64_t length, bool symmetric);
 
+template <class D>
+ColumnStreamCode<D> columnStreamCode(int64_t length, bool symmetric) {
+    if constexpr (std::is_same_v<D, uint8_t>) {
+        return columnStreamTo8u(length, symmetric);
+    } else if constexpr (std::is_same_v<D, uint16_t>) {
+        return columnStreamTo16u(length, symmetric);
+    } else if constexpr (std::is_same_v<D, int16_t>) {
+        return columnStreamTo16s(length, symmetric);
+    } else {
+        return columnStreamTo32f(length, symmetric);
+    }
+}
 inline bool hasColumnStream(int64_t length) {
     return columnStreamCode<float>(length, false) != nullptr;
 }

@@ -3,6 +3,8 @@
 
 namespace okpcv {
 
-OKPCV_COLUMN_STREAMS(int16_t)
+ColumnStreamCode<int16_t> columnStreamTo16s(int64_t length, bool symmetric) {
+    return selectColumnStream<int16_t>(length, symmetric);
+}
 
 }  // namespace okpcv

@@ -3,6 +3,8 @@
 
 namespace okpcv {
 
-OKPCV_COLUMN_STREAMS(uint16_t)
+ColumnStreamCode<uint16_t> columnStreamTo16u(int64_t length, bool symmetric) {
+    return selectColumnStream<uint16_t>(length, symmetric);
+}
 
 }  // namespace okpcv

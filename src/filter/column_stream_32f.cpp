@@ -3,6 +3,8 @@
 
 namespace okpcv {
 
-OKPCV_COLUMN_STREAMS(float)
+ColumnStreamCode<float> columnStreamTo32f(int64_t length, bool symmetric) {
+    return selectColumnStream<float>(length, symmetric);
+}
 
 }  // namespace okpcv

@@ -3,6 +3,8 @@
 
 namespace okpcv {
 
-OKPCV_COLUMN_STREAMS(uint8_t)
+ColumnStreamCode<uint8_t> columnStreamTo8u(int64_t length, bool symmetric) {
+    return selectColumnStream<uint8_t>(length, symmetric);
+}
 
 }  // namespace okpcv

@@ -68,30 +68,30 @@ void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* r
     for (; row < rowCount; ++row) stream.template operator()<1, true>(row);
 }
 
-#define OKPCV_COLUMN_STREAMS(D)                                                                  \
-    template <>                                                                                  \
-    ColumnStreamCode<D> columnStreamCode<D>(int64_t length, bool symmetric) {                    \
-        const auto code = [symmetric]<int Length>(std::integral_constant<int, Length>) {         \
-            return symmetric ? streamColumns<D, Length, true> : streamColumns<D, Length, false>; \
-        };                                                                                       \
-        switch (length) {                                                                        \
-            case 3:                                                                              \
-                return code(std::integral_constant<int, 3>{});                                   \
-            case 5:                                                                              \
-                return code(std::integral_constant<int, 5>{});                                   \
-            case 7:                                                                              \
-                return code(std::integral_constant<int, 7>{});                                   \
-            case 9:                                                                              \
-                return code(std::integral_constant<int, 9>{});                                   \
-            case 11:                                                                             \
-                return code(std::integral_constant<int, 11>{});                                  \
-            case 13:                                                                             \
-                return code(std::integral_constant<int, 13>{});                                  \
-            case 15:                                                                             \
-                return code(std::integral_constant<int, 15>{});                                  \
-            default:                                                                             \
-                return nullptr;                                                                  \
-        }                                                                                        \
+// The code for a length that only the caller's data knows, or null.
+template <class D>
+ColumnStreamCode<D> selectColumnStream(int64_t length, bool symmetric) {
+    const auto code = [symmetric]<int Length>(std::integral_constant<int, Length>) {
+        return symmetric ? streamColumns<D, Length, true> : streamColumns<D, Length, false>;
+    };
+    switch (length) {
+        case 3:
+            return code(std::integral_constant<int, 3>{});
+        case 5:
+            return code(std::integral_constant<int, 5>{});
+        case 7:
+            return code(std::integral_constant<int, 7>{});
+        case 9:
+            return code(std::integral_constant<int, 9>{});
+        case 11:
+            return code(std::integral_constant<int, 11>{});
+        case 13:
+            return code(std::integral_constant<int, 13>{});
+        case 15:
+            return code(std::integral_constant<int, 15>{});
+        default:
+            return nullptr;
     }
+}
 
 }  // namespace okpcv

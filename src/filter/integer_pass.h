@@ -38,7 +38,7 @@ struct ShiftedRight {
 
     template <class D, class Extent>
     OKPCV_INLINE void operator()(D* out, Vec<int32_t> low, Vec<int32_t> high, Extent extent) const {
-        const Vec<int16_t> v = narrowSaturated<int16_t>(shifted(low), shifted(high));
+        const Vec<int16_t> v = narrowSaturated<int16_t>(shifted<D>(low), shifted<D>(high));
         if constexpr (sizeof(D) == 2) {
             store(out, v, extent);
         } else {
@@ -47,7 +47,11 @@ struct ShiftedRight {
     }
 
   private:
+    // A shift rounds down, which is towards zero once negative sums have been moved up. Where they become
+    // zero anyway, they need not be.
+    template <class D>
     OKPCV_INLINE Vec<int32_t> shifted(Vec<int32_t> v) const {
+        if constexpr (std::is_unsigned_v<D>) return shiftRight(v, bits);
         const Vec<int32_t> ones = broadcast(static_cast<int32_t>((1U << bits) - 1));
         return shiftRight(v + (shiftRight(v, 31) & ones), bits);
     }
@@ -101,13 +105,13 @@ struct IntegerRowPass {
                                      const S* p, Extent extent) {
         for (int g = 0; g < N; ++g, p += lanes) {
             if constexpr (Channels == 1) {
-                first[g] = first[g] + mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c);
-                second[g] = second[g] + mulAddPairs(loadAs<int16_t>(p + 1, extent), c);
+                accumulate(first[g], mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c));
+                accumulate(second[g], mulAddPairs(loadAs<int16_t>(p + 1, extent), c));
             } else {
                 const Vec<int16_t> a = loadAs<int16_t>(p, extent);
                 const Vec<int16_t> b = loadAs<int16_t>(p + Channels, extent);
-                first[g] = first[g] + mulAddPairs(interleaveLow(a, b), c);
-                second[g] = second[g] + mulAddPairs(interleaveHigh(a, b), c);
+                accumulate(first[g], mulAddPairs(interleaveLow(a, b), c));
+                accumulate(second[g], mulAddPairs(interleaveHigh(a, b), c));
             }
         }
     }
@@ -153,39 +157,84 @@ struct IntegerColumnPass {
 
     __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows,
                                               const int16_t* const* rows, int64_t count) const {
-        constexpr int lanes = Vec<int16_t>::lanes;
-        const Image<D> dst{out, step};
+        // The lengths whose coefficients fit in registers.
+        switch (length) {
+            case 3:
+                return run<3>(out, step, outRows, rows, count);
+            case 5:
+                return run<5>(out, step, outRows, rows, count);
+            case 7:
+                return run<7>(out, step, outRows, rows, count);
+            case 9:
+                return run<9>(out, step, outRows, rows, count);
+            default:
+                return run<0>(out, step, outRows, rows, count);
+        }
+    }
+
+  private:
+    static constexpr int lanes = Vec<int16_t>::lanes;
+
+    template <int N, class Extent>
+    static OKPCV_INLINE void add(Vec<int32_t> (&low)[N], Vec<int32_t> (&high)[N], const int16_t* a,
+                                 const int16_t* b, Vec<int16_t> c, Extent extent) {
+        for (int g = 0; g < N; ++g) {
+            const Vec<int16_t> first = load(a + g * lanes, extent);
+            const Vec<int16_t> second = load(b + g * lanes, extent);
+            accumulate(low[g], mulAddPairs(interleaveLow(first, second), c));
+            accumulate(high[g], mulAddPairs(interleaveHigh(first, second), c));
+        }
+    }
+
+    template <int Length>
+    OKPCV_INLINE void run(D* out, int64_t step, int64_t outRows, const int16_t* const* rows,
+                          int64_t count) const {
+        constexpr int pairs = Length / 2;
+        Vec<int16_t> c[pairs + 1];
+        if constexpr (Length > 0) {
+            for (int j = 0; j < pairs; ++j) c[j] = coefficientPair(kernel, 2 * j);
+            c[pairs] = coefficientAndZero(kernel, 2 * pairs);
+        }
+        const Finish complete = finish;
+        const Vec<int32_t> begin = broadcast(start);
+        const int64_t anyLength = length;
+        const int16_t* const anyKernel = kernel;
         forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
             constexpr int n = block.vectors;
+            D* to = out + x;
             for (int64_t r = 0; r < outRows; ++r) {
                 const int16_t* const* const row = rows + r;
                 Vec<int32_t> low[n], high[n];
-                for (int g = 0; g < n; ++g) low[g] = high[g] = broadcast(start);
-                const auto add = [&](const int16_t* a, const int16_t* b, Vec<int16_t> c) OKPCV_INLINE_LAMBDA {
-                    for (int g = 0; g < n; ++g) {
-                        const Vec<int16_t> first = load(a + x + g * lanes, extent);
-                        const Vec<int16_t> second = load(b + x + g * lanes, extent);
-                        low[g] = low[g] + mulAddPairs(interleaveLow(first, second), c);
-                        high[g] = high[g] + mulAddPairs(interleaveHigh(first, second), c);
+                for (int g = 0; g < n; ++g) low[g] = high[g] = begin;
+                if constexpr (Length > 0) {
+                    for (int j = 0; j < pairs; ++j) {
+                        add(low, high, row[2 * j] + x, row[2 * j + 1] + x, c[j], extent);
                     }
-                };
-                int64_t j = 0;
-                for (; j + 2 <= length; j += 2) add(row[j], row[j + 1], coefficientPair(kernel, j));
-                if (j < length) add(row[j], row[j], coefficientAndZero(kernel, j));
-                for (int g = 0; g < n; ++g) finish(dst.row(r) + x + g * lanes, low[g], high[g], extent);
+                    add(low, high, row[2 * pairs] + x, row[2 * pairs] + x, c[pairs], extent);
+                } else {
+                    int64_t j = 0;
+                    for (; j + 2 <= anyLength; j += 2) {
+                        add(low, high, row[j] + x, row[j + 1] + x, coefficientPair(anyKernel, j), extent);
+                    }
+                    if (j < anyLength) {
+                        add(low, high, row[j] + x, row[j] + x, coefficientAndZero(anyKernel, j), extent);
+                    }
+                }
+                for (int g = 0; g < n; ++g) complete(to + g * lanes, low[g], high[g], extent);
+                to = Image<D>{to, step}.row(1);
             }
         });
     }
 };
 
-// A kernel whose coefficients stand ready in all lanes, modulo 2^16, folded if it is symmetric: then
-// coefficient i serves the taps i and length - 1 - i.
-class WrappingTaps {
+// A kernel whose coefficients stand ready in all lanes, modulo 2^16. A symmetric one is folded: coefficient i
+// serves the taps i and length - 1 - i.
+class WrappingKernel {
   public:
     static constexpr int64_t longest = 64;
+    static constexpr int lanes = Vec<int16_t>::lanes;
 
-    OKPCV_INLINE WrappingTaps(const int16_t* kernel, int64_t length) : length_(length) {
-        symmetric_ = true;
+    WrappingKernel(const int16_t* kernel, int64_t length) : length_(length) {
         for (int64_t i = 0; i < length; ++i) {
             const int16_t k = coefficient(kernel, i);
             store(table_ + i * lanes, broadcast(k));
@@ -193,36 +242,93 @@ class WrappingTaps {
         }
     }
 
-    // sum[v] += the taps' products at element v * lanes. Tap is a function that gives the address seen by tap
-    // i.
+    int64_t length() const { return length_; }
+    bool symmetric() const { return symmetric_; }
+    OKPCV_INLINE Vec<int16_t> operator[](int64_t i) const { return load(table_ + i * lanes); }
+
+  private:
+    alignas(kVectorBytes) int16_t table_[longest * lanes];
+    int64_t length_;
+    bool symmetric_ = true;
+};
+
+namespace detail {
+
+// sum[v] += what taps a and b (or a alone) see at element v * lanes, times c.
+template <int V, class S, class Extent>
+OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const S* a, const S* b, Extent extent) {
+    constexpr int lanes = Vec<int16_t>::lanes;
+    for (int v = 0; v < V; ++v) {
+        const Vec<int16_t> both =
+            loadAs<int16_t>(a + v * lanes, extent) + loadAs<int16_t>(b + v * lanes, extent);
+        accumulate(sum[v], both * c);
+    }
+}
+template <int V, class S, class Extent>
+OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const S* a, Extent extent) {
+    for (int v = 0; v < V; ++v) {
+        accumulate(sum[v], loadAs<int16_t>(a + v * Vec<int16_t>::lanes, extent) * c);
+    }
+}
+
+}  // namespace detail
+
+// A symmetric kernel whose length the code knows.
+template <int Length>
+class FixedWrappingTaps {
+  public:
+    OKPCV_INLINE explicit FixedWrappingTaps(const WrappingKernel& kernel) {
+        for (int i = 0; i <= Length / 2; ++i) c_[i] = kernel[i];
+    }
+    // sum[v] += the sum at element v * lanes; Tap is a function that gives the address seen by tap i.
     template <int V, class Tap, class Extent>
     OKPCV_INLINE void add(Vec<int16_t> (&sum)[V], const Tap& tap, Extent extent) const {
-        int64_t i = 0;
-        if (symmetric_) {
-            for (; i < length_ / 2; ++i) {
-                const Vec<int16_t> c = load(table_ + i * lanes);
-                const auto* const a = tap(i);
-                const auto* const b = tap(length_ - 1 - i);
-                for (int v = 0; v < V; ++v) {
-                    sum[v] =
-                        sum[v] +
-                        (loadAs<int16_t>(a + v * lanes, extent) + loadAs<int16_t>(b + v * lanes, extent)) * c;
-                }
-            }
+        for (int i = 0; i < Length / 2; ++i) {
+            detail::addWrapping(sum, c_[i], tap(i), tap(Length - 1 - i), extent);
         }
-        for (const int64_t end = symmetric_ ? length_ - i : length_; i < end; ++i) {
-            const Vec<int16_t> c = load(table_ + i * lanes);
-            const auto* const a = tap(i);
-            for (int v = 0; v < V; ++v) sum[v] = sum[v] + loadAs<int16_t>(a + v * lanes, extent) * c;
+        detail::addWrapping(sum, c_[Length / 2], tap(Length / 2), extent);
+    }
+
+  private:
+    Vec<int16_t> c_[Length / 2 + 1];
+};
+
+// Any other kernel.
+class AnyWrappingTaps {
+  public:
+    OKPCV_INLINE explicit AnyWrappingTaps(const WrappingKernel& kernel) : kernel_(kernel) {}
+
+    template <int V, class Tap, class Extent>
+    OKPCV_INLINE void add(Vec<int16_t> (&sum)[V], const Tap& tap, Extent extent) const {
+        const int64_t length = kernel_.length();
+        const int64_t folded = kernel_.symmetric() ? length / 2 : 0;
+        for (int64_t i = 0; i < folded; ++i) {
+            detail::addWrapping(sum, kernel_[i], tap(i), tap(length - 1 - i), extent);
+        }
+        for (int64_t i = folded; i < length - folded; ++i) {
+            detail::addWrapping(sum, kernel_[i], tap(i), extent);
         }
     }
 
   private:
-    static constexpr int lanes = Vec<int16_t>::lanes;
-    alignas(kVectorBytes) int16_t table_[longest * lanes];
-    int64_t length_;
-    bool symmetric_;
+    const WrappingKernel& kernel_;
 };
+
+template <class Run>
+OKPCV_INLINE void withWrappingTaps(const WrappingKernel& kernel, const Run& run) {
+    switch (kernel.symmetric() ? kernel.length() : 0) {
+        case 3:
+            return run(FixedWrappingTaps<3>(kernel));
+        case 5:
+            return run(FixedWrappingTaps<5>(kernel));
+        case 7:
+            return run(FixedWrappingTaps<7>(kernel));
+        case 9:
+            return run(FixedWrappingTaps<9>(kernel));
+        default:
+            return run(AnyWrappingTaps(kernel));
+    }
+}
 
 // Sums in 16-bit integers, modulo 2^16, of 8-bit elements: out[x] = start + sum of kernel[i] * in[x + i * C].
 //
@@ -230,17 +336,20 @@ class WrappingTaps {
 // for every four taps of a symmetric kernel.
 template <int Channels>
 struct WrappingRowPass {
-    const WrappingTaps& taps;
+    const WrappingKernel& kernel;
     int16_t start;
 
     __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
         constexpr int lanes = Vec<int16_t>::lanes;
-        forBlocks<4, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            Vec<int16_t> sum[block.vectors];
-            for (int v = 0; v < block.vectors; ++v) sum[v] = broadcast(start);
-            taps.add(
-                sum, [p = in + x](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * Channels; }, extent);
-            for (int v = 0; v < block.vectors; ++v) store(out + x + v * lanes, sum[v], extent);
+        withWrappingTaps(kernel, [&](const auto& taps) OKPCV_INLINE_LAMBDA {
+            const Vec<int16_t> begin = broadcast(start);
+            forBlocks<4, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                Vec<int16_t> sum[block.vectors];
+                for (int v = 0; v < block.vectors; ++v) sum[v] = begin;
+                taps.add(
+                    sum, [p = in + x](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * Channels; }, extent);
+                for (int v = 0; v < block.vectors; ++v) store(out + x + v * lanes, sum[v], extent);
+            });
         });
     }
 };
@@ -249,29 +358,32 @@ struct WrappingRowPass {
 // truncated towards zero and saturated to D.
 template <class D, class Sum>
 struct WrappingColumnPass {
-    const WrappingTaps& taps;
+    const WrappingKernel& kernel;
     int bits;
 
     __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows,
                                               const int16_t* const* rows, int64_t count) const {
         constexpr int lanes = Vec<int16_t>::lanes;
-        const Image<D> dst{out, step};
-        forBlocks<4, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            for (int64_t r = 0; r < outRows; ++r) {
-                Vec<int16_t> sum[block.vectors];
-                for (int v = 0; v < block.vectors; ++v) sum[v] = zeros<int16_t>();
-                taps.add(
-                    sum, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; }, extent);
-                for (int v = 0; v < block.vectors; ++v) {
-                    const Vec<int16_t> result = finished(sum[v]);
-                    D* const at = dst.row(r) + x + v * lanes;
-                    if constexpr (sizeof(D) == 2) {
-                        store(at, result, extent);
-                    } else {
-                        storeFirst<lanes>(at, narrowSaturated<D>(result, result), extent);
+        withWrappingTaps(kernel, [&](const auto& taps) OKPCV_INLINE_LAMBDA {
+            forBlocks<4, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                const Image<D> dst{out + x, step};
+                for (int64_t r = 0; r < outRows; ++r) {
+                    Vec<int16_t> sum[block.vectors];
+                    for (int v = 0; v < block.vectors; ++v) sum[v] = zeros<int16_t>();
+                    taps.add(
+                        sum, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; },
+                        extent);
+                    for (int v = 0; v < block.vectors; ++v) {
+                        const Vec<int16_t> result = finished(sum[v]);
+                        D* const at = dst.row(r) + v * lanes;
+                        if constexpr (sizeof(D) == 2) {
+                            store(at, result, extent);
+                        } else {
+                            storeFirst<lanes>(at, narrowSaturated<D>(result, result), extent);
+                        }
                     }
                 }
-            }
+            });
         });
     }
 

@@ -161,7 +161,7 @@ using namespace okpcv;
 
 #define ROWS_C3(NAME, SUMS, S, D)                                                                            \
     okpStatus NAME(const S* pSrc, int32_t srcStep, D* const* ppDst, RoiSize roiSize, const int16_t* pKernel, \
-                   int32_t kernelSize, int32_t anchor, BorderKind borderType, const S* pBorderValue,         \
+                   int32_t kernelSize, int32_t anchor, BorderKind borderType, const S* borderValue,          \
                    int32_t divisor, void* pBuffer) {                                                         \
         return filterRows<SUMS>(RowPipeline<S, D, 3, int16_t>{{pSrc, srcStep},                               \
                                                               ppDst,                                         \
@@ -170,7 +170,7 @@ using namespace okpcv;
                                                               kernelSize,                                    \
                                                               anchor,                                        \
                                                               borderType,                                    \
-                                                              pBorderValue,                                  \
+                                                              borderValue,                                   \
                                                               divisor,                                       \
                                                               pBuffer});                                     \
     }
@@ -208,10 +208,10 @@ okpStatus okpiFilterRowBorderPipeline_32f_C1R(const float* pSrc, int32_t srcStep
 
 okpStatus okpiFilterRowBorderPipeline_32f_C3R(const float* pSrc, int32_t srcStep, float* const* ppDst,
                                               RoiSize roiSize, const float* pKernel, int32_t kernelSize,
-                                              int32_t anchor, BorderKind borderType,
-                                              const float* pBorderValue, void* pBuffer) {
+                                              int32_t anchor, BorderKind borderType, const float* borderValue,
+                                              void* pBuffer) {
     return filterRows<Sums::Single>(RowPipeline<float, float, 3, float>{
-        {pSrc, srcStep}, ppDst, roiSize, pKernel, kernelSize, anchor, borderType, pBorderValue, 1, pBuffer});
+        {pSrc, srcStep}, ppDst, roiSize, pKernel, kernelSize, anchor, borderType, borderValue, 1, pBuffer});
 }
 
 COLUMNS(okpiFilterColumnPipeline_16s8s_C1R, Sums::Single, int16_t, int8_t, 1)

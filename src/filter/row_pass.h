@@ -33,17 +33,18 @@ struct FloatRowPass {
             using Taps = std::remove_cvref_t<decltype(taps)>;
             const Vec<float> s = broadcast(scale);
             const int64_t step = Taps::fixed ? Channels : channels;
-            forBlocks<Taps::vectors, Vec<float>::lanes>(count, [&](auto block, auto extent,
-                                                                   int64_t x) OKPCV_INLINE_LAMBDA {
-                Vec<float> sum[block.vectors];
-                taps.sum(
-                    sum, [p = in + x, step](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * step; }, extent);
-                for (int v = 0; v < block.vectors; ++v) {
-                    if constexpr (kBeginsWithZero && kIsFloat<Out>) sum[v] = sum[v] + zeros<float>();
-                    if constexpr (kIsInt<K>) sum[v] = sum[v] * s;
-                }
-                storeResults(out + x, sum, extent);
-            });
+            forBlocks<Taps::vectors, Vec<float>::lanes>(
+                count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                    const S* const p = in + x;
+                    Vec<float> sum[block.vectors];
+                    taps.sum(
+                        sum, [&](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * step; }, extent);
+                    for (int v = 0; v < block.vectors; ++v) {
+                        if constexpr (kBeginsWithZero && kIsFloat<Out>) sum[v] = sum[v] + zeros<float>();
+                        if constexpr (kIsInt<K>) sum[v] = sum[v] * s;
+                    }
+                    storeResults(out + x, sum, extent);
+                });
         });
     }
 };

@@ -209,7 +209,7 @@ struct ExactPlan {
     ExactPlan(const SeparableSpec& spec, int32_t scaleFactor) {
         const int64_t divisor = spec.divisor;
         if (divisor < 1 || (divisor & (divisor - 1)) != 0) return;
-        if (spec.kernelWidth > WrappingTaps::longest || spec.kernelHeight > WrappingTaps::longest) return;
+        if (spec.kernelWidth > WrappingKernel::longest || spec.kernelHeight > WrappingKernel::longest) return;
         const int64_t shift = 2 * int64_t{__builtin_ctzll(static_cast<uint64_t>(divisor))} + scaleFactor;
         if (shift < 0 || shift > 30) return;
 
@@ -256,8 +256,8 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
                    const ExactPlan& plan, void* pBuffer, int64_t bytes) {
     const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
     const auto* const rowKernel = static_cast<const int16_t*>(spec.rowKernel);
-    const WrappingTaps rowTaps(rowKernel, task.row.length);
-    const WrappingRowPass<Channels> rowPass{rowTaps, static_cast<int16_t>(-plan.bias)};
+    const WrappingKernel wrappingRow(rowKernel, task.row.length);
+    const WrappingRowPass<Channels> rowPass{wrappingRow, static_cast<int16_t>(-plan.bias)};
 
     using Shapes = RingShapes<Channels, int16_t>;
     const Shapes shapes(task.column, task.size.width, Shapes::batchFor(task.column));
@@ -283,13 +283,13 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
                             columnKernel, task.column.length, plan.columnStart, {plan.bits}});
         return;
     }
-    const WrappingTaps columnTaps(columnKernel, task.column.length);
+    const WrappingKernel wrappingColumn(columnKernel, task.column.length);
     if (plan.sums == ExactPlan::Sums::Signed16) {
         filterSeparable(task, buffer, outside, rowPass,
-                        WrappingColumnPass<D, int16_t>{columnTaps, plan.bits});
+                        WrappingColumnPass<D, int16_t>{wrappingColumn, plan.bits});
     } else {
         filterSeparable(task, buffer, outside, rowPass,
-                        WrappingColumnPass<D, uint16_t>{columnTaps, plan.bits});
+                        WrappingColumnPass<D, uint16_t>{wrappingColumn, plan.bits});
     }
 }
 
@@ -420,8 +420,8 @@ using namespace okpcv;
 
 #define FILTER_CN(NAME, S, D, CHANNELS, STEP, SIZE)                                                         \
     okpStatus NAME(const S* pSrc, STEP srcStep, D* pDst, STEP dstStep, SIZE roiSize, BorderKind borderType, \
-                   const S* pBorderValue, const void* pSpec, void* pBuffer) {                               \
-        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, pBorderValue,  \
+                   const S* borderValue, const void* pSpec, void* pBuffer) {                                \
+        return filter<S, CHANNELS, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, borderType, borderValue,   \
                                       pSpec, pBuffer);                                                      \
     }
 

@@ -19,6 +19,24 @@ TEST(Border, FiltersAcceptReplicateMirrorConstantAndMemory) {
     EXPECT_FALSE(isFilterBorder(0x80000001U));
 }
 
+TEST(Border, MorphologyAcceptsTheDefaultToo) {
+    for (BorderKind value = 0; value < 5000; ++value) {
+        const BorderKind kind = value & 15;
+        const bool accepted =
+            value <= 4095 && (value == 240 || kind == 1 || kind == 3 || kind == 5 || kind == 6);
+        EXPECT_EQ(isMorphologyBorder(value), accepted) << value;
+    }
+    EXPECT_FALSE(isMorphologyBorder(0x80000001U));
+}
+
+TEST(Border, FlagsFold) {
+    EXPECT_EQ(foldBorderFlags(BorderReplicate | 0x100U), BorderReplicate | BorderInMemTop);
+    EXPECT_EQ(foldBorderFlags(BorderConstant | 0x800U | BorderInMemTop),
+              BorderConstant | BorderInMemRight | BorderInMemTop);
+    EXPECT_EQ(foldBorderFlags(BorderInMemory), BorderKind{BorderInMemory});
+    EXPECT_EQ(foldBorderFlags(0xFF5U), BorderDefault | BorderKind{BorderInMemory});
+}
+
 TEST(Border, PlacesPixels) {
     const auto line = [](BorderKind kind, int64_t from, int64_t to, int64_t n) {
         std::vector<int64_t> columns;

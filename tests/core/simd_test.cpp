@@ -180,6 +180,12 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(low[i], (i % 2 == 0 ? a : b)[i / 2]));
         EXPECT_TRUE(sameBit(high[i], (i % 2 == 0 ? a : b)[n / 2 + i / 2]));
     }
+    const Lanes<T> ofFirst = lanesOf(broadcastLane<0>(vectorOf(a)));
+    const Lanes<T> ofLast = lanesOf(broadcastLane<Vec<T>::lanes - 1>(vectorOf(a)));
+    for (size_t i = 0; i < n; ++i) {
+        EXPECT_TRUE(sameBit(ofFirst[i], a.front()));
+        EXPECT_TRUE(sameBit(ofLast[i], a.back()));
+    }
     EXPECT_TRUE(sameBit(firstLane(vectorOf(a)), a.front()));
     EXPECT_TRUE(sameBit(lastLane(vectorOf(a)), a.back()));
 }
@@ -199,6 +205,11 @@ TYPED_TEST(SimdAll, SplitsAndJoinsChannels) {
     store(again.data() + n, joined.c1);
     store(again.data() + 2 * n, joined.c2);
     EXPECT_EQ(again, triples);
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_EQ(lanesOf(pick(channelOf3<T>(c), load(triples.data()), load(triples.data() + n),
+                               load(triples.data() + 2 * n))),
+                  channels[static_cast<size_t>(c)]);
+    }
 }
 
 TYPED_TEST(SimdAll, ReportsLanes) {
@@ -212,6 +223,8 @@ TYPED_TEST(SimdAll, ReportsLanes) {
             bits |= 1U << i;
         }
         EXPECT_EQ(laneBits(vectorOf(mask)), bits);
+        const Lanes<T> again = lanesOf(laneMask<T>(bits));
+        EXPECT_EQ(std::memcmp(&again, &mask, sizeof mask), 0);
         EXPECT_EQ(anyBit(vectorOf(mask)), bits != 0);
     }
 }
@@ -339,6 +352,38 @@ TEST(Simd, ConvertsFloats) {
     EXPECT_EQ(lanesOf(narrow(vectorOf(Lanes<double>{0.1, 2}), vectorOf(Lanes<double>{-3, 1e300}))),
               (Lanes<float>{0.1F, 2, -3, std::numeric_limits<float>::infinity()}));
     EXPECT_EQ(lanesOf(widenHigh<double>(vectorOf(Lanes<float>{1, 2, 3, 4.5F}))), (Lanes<double>{3, 4.5}));
+    Lanes<double> wide{-1e10, -7.9};
+    asm volatile("" : "+m"(wide));
+    EXPECT_EQ(lanesOf(narrowTruncated(vectorOf(Lanes<double>{2147483647.9, 0.99}), vectorOf(wide))),
+              (Lanes<int32_t>{INT32_MAX, 0, INT32_MIN, -7}));
+}
+
+TEST(Simd, ReversesBytes) {
+    const Lanes<uint64_t> reversed =
+        lanesOf(reverseBytes(vectorOf(Lanes<uint64_t>{0x0102030405060708U, 0xFF00000000000080U})));
+    EXPECT_EQ(reversed[0], 0x0807060504030201U);
+    EXPECT_EQ(reversed[1], 0x80000000000000FFU);
+}
+
+TEST(Simd, PacksChosenLanes) {
+    const Lanes<int32_t> a{11, 22, 33, 44};
+    for (uint32_t set = 0; set < 16; ++set) {
+        const Lanes<int32_t> packed = lanesOf(packLanes(vectorOf(a), set));
+        size_t place = 0;
+        for (size_t i = 0; i < 4; ++i) {
+            if ((set >> i & 1) == 0) continue;
+            EXPECT_EQ(packed[place++], a[i]) << set;
+        }
+    }
+}
+
+TEST(Simd, GathersAndFindsPrefixMaxima) {
+    const float table[] = {-3, -2, -1, 0.5F, 1, 2};
+    EXPECT_EQ(lanesOf(gather(table + 3, vectorOf(Lanes<int32_t>{2, -3, 0, -1}))),
+              (Lanes<float>{2, -3, 0.5F, -1}));
+    EXPECT_EQ(lanesOf(prefixMax(vectorOf(Lanes<int32_t>{-5, 7, 3, 9}))), (Lanes<int32_t>{0, 7, 7, 9}));
+    EXPECT_EQ(lanesOf(prefixMax(vectorOf(Lanes<int16_t>{1, 0, 4, 2, 3, -1, 9, 8}))),
+              (Lanes<int16_t>{1, 1, 4, 4, 4, 4, 9, 9}));
 }
 
 TEST(Simd, AddsProductsAndDistances) {
@@ -357,6 +402,37 @@ TEST(Simd, AddsProductsAndDistances) {
     Lanes<uint8_t> zero{};
     bytes[15] = 9;
     EXPECT_EQ(lanesOf(sumAbsDiff(vectorOf(zero), vectorOf(bytes))), (Lanes<uint64_t>{710, 9}));
+}
+
+TEST(Simd, FormsPrefixSums) {
+    EXPECT_EQ(lanesOf(prefixSums(vectorOf(Lanes<int32_t>{1, -20, 300, INT32_MAX}))),
+              (Lanes<int32_t>{1, -19, 281, static_cast<int32_t>(281U + INT32_MAX)}));
+    // In single precision the order shows: (1 - 1e8) + (1e8 + 1), not ((1 + 1e8) - 1e8) + 1.
+    EXPECT_EQ(lanesOf(prefixSums(vectorOf(Lanes<float>{1, 1e8F, -1e8F, 1}))),
+              (Lanes<float>{1, 1e8F, 1, (1 - 1e8F) + (1e8F + 1)}));
+    EXPECT_EQ(lanesOf(broadcastLast(vectorOf(Lanes<float>{1, 2, 3, -0.0F}))), (Lanes<float>{0, 0, 0, 0}));
+
+    Random random(9);
+    for (int round = 0; round < 50; ++round) {
+        Lanes<uint8_t> bytes;
+        for (uint8_t& byte : bytes) byte = random.special<uint8_t>();
+        const Vec<uint8_t> v = vectorOf(bytes);
+        const std::array sums{lanesOf(prefixSumsOfQuarter<0>(v)), lanesOf(prefixSumsOfQuarter<1>(v)),
+                              lanesOf(prefixSumsOfQuarter<2>(v)), lanesOf(prefixSumsOfQuarter<3>(v))};
+        const std::array squares{
+            lanesOf(prefixSquareSumsOfQuarter<0>(v)), lanesOf(prefixSquareSumsOfQuarter<1>(v)),
+            lanesOf(prefixSquareSumsOfQuarter<2>(v)), lanesOf(prefixSquareSumsOfQuarter<3>(v))};
+        constexpr size_t n = static_cast<size_t>(Vec<int32_t>::lanes);
+        int sum = 0;
+        int square = 0;
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            if (i % n == 0) sum = square = 0;
+            sum += bytes[i];
+            square += bytes[i] * bytes[i];
+            EXPECT_EQ(sums[i / n][i % n], sum);
+            EXPECT_EQ(squares[i / n][i % n], square);
+        }
+    }
 }
 
 }  // namespace

@@ -1,0 +1,492 @@
+// The kernels of morphology: each destination pixel is the maximum (or minimum) of source pixels that stand
+// at given offsets. All passes of the engine, along rows and along columns, are calls of them.
+//
+// combineRows is bound by loads. Four rows of output share the rows of a tall term: per vector of output a
+// term of height h costs (h + 3) / 4 loads, about one maximum per load, and the result one store.
+// combineTall costs 3 loads, 3 maxima and 2 stores at any height.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "core/image.h"
+#include "core/numbers.h"
+#include "core/simd.h"
+
+namespace okpcv::morph {
+
+struct Maximum {
+    template <class T>
+    static OKPCV_INLINE Vec<T> of(Vec<T> a, Vec<T> b) {
+        return max(a, b);
+    }
+    // What never wins; in borders, only against numbers.
+    template <class T>
+    static constexpr T identity = kIsFloat<T> ? -std::numeric_limits<T>::infinity() : kSmallest<T>;
+    template <class T>
+    static constexpr T defaultBorder = kSmallest<T>;
+};
+struct Minimum {
+    template <class T>
+    static OKPCV_INLINE Vec<T> of(Vec<T> a, Vec<T> b) {
+        return min(a, b);
+    }
+    template <class T>
+    static constexpr T identity = kIsFloat<T> ? std::numeric_limits<T>::infinity() : kLargest<T>;
+    template <class T>
+    static constexpr T defaultBorder = kLargest<T>;
+};
+
+// ---- Element types --------------------------------------------------------------------------------------
+// A type's pixels are what images hold; its cells are what intermediate rows hold.
+
+template <class T, class Operation>
+struct Integers {
+    using Pixel = T;
+    using Cell = T;
+    using Op = Operation;
+    static constexpr bool kCellsArePixels = true;
+    static OKPCV_INLINE Vec<T> toCells(Vec<T> v) { return v; }
+    static OKPCV_INLINE Vec<T> toPixels(Vec<T> v) { return v; }
+};
+
+// Floats are ordered as the totalOrder predicate of IEEE 754 orders them. Then every evaluation order gives
+// the same bits. As integers, the bits of floats without a sign are in this order, and those with a sign
+// once their other bits are inverted.
+template <class Operation>
+struct OrderedFloats {
+    using Pixel = float;
+    using Cell = int32_t;
+    using Op = Operation;
+    static constexpr bool kCellsArePixels = false;
+    static OKPCV_INLINE Vec<int32_t> toCells(Vec<float> v) { return invertIfNegative(bitCast<int32_t>(v)); }
+    static OKPCV_INLINE Vec<float> toPixels(Vec<int32_t> v) { return bitCast<float>(invertIfNegative(v)); }
+
+  private:
+    static OKPCV_INLINE Vec<int32_t> invertIfNegative(Vec<int32_t> v) {
+        return v ^ bitCast<int32_t>(shiftRight(bitCast<uint32_t>(shiftRight(v, 31)), 1));
+    }
+};
+
+// The same results for images without NaN and without -0, where float comparison already is that order.
+template <class Operation>
+struct PlainFloats {
+    using Pixel = float;
+    using Cell = float;
+    using Op = Operation;
+    static constexpr bool kCellsArePixels = false;  // as they are to be watched
+    static OKPCV_INLINE Vec<float> toCells(Vec<float> v) { return v; }
+    static OKPCV_INLINE Vec<float> toPixels(Vec<float> v) { return v; }
+};
+
+// Notes whether source pixels need OrderedFloats: -0 has the smallest bits as a signed integer, NaN the
+// largest ones as a signed or as an unsigned integer.
+class FloatWatch {
+  public:
+    OKPCV_INLINE void see(Vec<float> v) {
+        smallest_ = min(smallest_, bitCast<int32_t>(v));
+        largest_ = max(largest_, bitCast<int32_t>(v));
+        largestBits_ = max(largestBits_, bitCast<uint32_t>(v));
+    }
+    bool found() const {
+        return minLane(smallest_) == INT32_MIN || maxLane(largest_) > kInfinity ||
+               maxLane(largestBits_) > (kInfinity | 0x80000000U);
+    }
+
+  private:
+    static constexpr int32_t kInfinity = 0x7F800000;
+    Vec<int32_t> smallest_ = zeros<int32_t>(), largest_ = zeros<int32_t>();
+    Vec<uint32_t> largestBits_ = zeros<uint32_t>();
+};
+struct NoWatch {
+    template <class T>
+    OKPCV_INLINE void see(Vec<T>) {}
+    static constexpr bool found() { return false; }
+};
+
+// ---- Kernels --------------------------------------------------------------------------------------------
+
+// What takes part in an output pixel at (x, y): `height` rows from row y on, at element x + offset.
+struct Term {
+    int64_t offset;
+    int32_t height;
+};
+
+// Runs of a multiple of a shorter length up to this one are combined directly.
+inline constexpr int32_t kMostParts = 8;
+
+// Terms sorted by height: so many of heights 1, 2 and 3, then the taller ones.
+struct TermList {
+    const Term* begin;
+    int32_t ofHeight[3];
+    int32_t taller;
+
+    int32_t count() const { return ofHeight[0] + ofHeight[1] + ofHeight[2] + taller; }
+};
+
+namespace detail {
+
+template <class T>
+OKPCV_INLINE const T* rowBelow(const T* p, int64_t rows, int64_t step) {
+    return Image<const T>{p, step}.row(rows);
+}
+
+template <class P, class S, class Extent>
+OKPCV_INLINE Vec<typename P::Cell> loadCells(const S* p, Extent extent) {
+    if constexpr (std::is_same_v<S, typename P::Cell>) {
+        return load(p, extent);
+    } else {
+        return P::toCells(load(p, extent));
+    }
+}
+template <class P, class D, class Extent>
+OKPCV_INLINE void storeCells(D* p, Vec<typename P::Cell> v, Extent extent) {
+    if constexpr (std::is_same_v<D, typename P::Cell>) {
+        store(p, v, extent);
+    } else {
+        store(p, P::toPixels(v), extent);
+    }
+}
+
+// kRows rows of kVectors vectors of output.
+template <class P, int kRows, int kVectors, class Extent>
+class Tile {
+  public:
+    using Cell = typename P::Cell;
+    using Op = typename P::Op;
+    static constexpr int kLanes = Vec<Cell>::lanes;
+
+    OKPCV_INLINE explicit Tile(Extent extent) : extent_(extent) {}
+
+    // Takes in a term of a height below kRows, or of height 1 when kRows is 1. kFirst: the tile is empty yet.
+    template <int kHeight, bool kFirst, class S, class Watch>
+    OKPCV_INLINE void takeShort(const S* p, int64_t step, Watch& watch) {
+        forEach<kRows + kHeight - 1>([&](auto t) OKPCV_INLINE_LAMBDA {
+            Row row;
+            fetch(row, rowBelow(p, t, step));
+            if constexpr (t >= kHeight - 1) see(row, watch);
+            forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
+                if constexpr (r <= t && t < r + kHeight) {
+                    if constexpr (kFirst && r == t) {
+                        rows_[r] = row;
+                    } else {
+                        merge(rows_[r], row);
+                    }
+                }
+            });
+        });
+    }
+
+    // Takes in a term of at least kRows rows: the rows that all outputs share first, then the rest of each.
+    template <bool kFirst, class S, class Watch>
+    OKPCV_INLINE void takeTall(const S* p, int64_t step, int32_t height, Watch& watch) {
+        Row run, row;
+        fetch(run, rowBelow(p, kRows - 1, step));
+        if (height == kRows) see(run, watch);
+        for (int32_t t = kRows; t < height; ++t) {
+            fetch(row, rowBelow(p, t, step));
+            if (t == height - 1) see(row, watch);
+            merge(run, row);
+        }
+        forEach<kRows>([&](auto i) OKPCV_INLINE_LAMBDA {
+            constexpr int r = kRows - 1 - i;
+            if constexpr (r < kRows - 1) {
+                fetch(row, rowBelow(p, r, step));
+                merge(run, row);
+            }
+            if constexpr (kFirst) {
+                rows_[r] = run;
+            } else {
+                merge(rows_[r], run);
+            }
+        });
+        const S* const below = rowBelow(p, height, step);
+        forEach<kRows - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
+            fetch(row, rowBelow(below, i, step));
+            see(row, watch);
+            if constexpr (i == 0) {
+                run = row;
+            } else {
+                merge(run, row);
+            }
+            merge(rows_[i + 1], run);
+        });
+    }
+
+    // The identity everywhere, to begin with terms of any height.
+    OKPCV_INLINE void clear() {
+        const Vec<Cell> identity = broadcast(Op::template identity<Cell>);
+        for (Row& row : rows_) {
+            for (Vec<Cell>& v : row.vectors) v = identity;
+        }
+    }
+
+    template <class D>
+    OKPCV_INLINE void write(D* p, int64_t step) const {
+        forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
+            D* const to = Image<D>{p, step}.row(r);
+            for (int v = 0; v < kVectors; ++v)
+                storeCells<P>(to + v * kLanes, rows_[r].vectors[v], extent_.from(v * kLanes));
+        });
+    }
+
+  private:
+    struct Row {
+        Vec<Cell> vectors[kVectors];
+    };
+
+    template <int kCount, class Step>
+    static OKPCV_INLINE void forEach(Step step) {
+        [&]<int... i>(std::integer_sequence<int, i...>) OKPCV_INLINE_LAMBDA {
+            (step(std::integral_constant<int, i>{}), ...);
+        }
+        (std::make_integer_sequence<int, kCount>{});
+    }
+
+    template <class S>
+    OKPCV_INLINE void fetch(Row& row, const S* p) const {
+        for (int v = 0; v < kVectors; ++v)
+            row.vectors[v] = loadCells<P>(p + v * kLanes, extent_.from(v * kLanes));
+    }
+    template <class Watch>
+    static OKPCV_INLINE void see(const Row& row, Watch& watch) {
+        for (int v = 0; v < kVectors; ++v) watch.see(row.vectors[v]);
+    }
+    static OKPCV_INLINE void merge(Row& into, const Row& row) {
+        for (int v = 0; v < kVectors; ++v) into.vectors[v] = Op::of(into.vectors[v], row.vectors[v]);
+    }
+
+    Extent extent_;
+    Row rows_[kRows];
+};
+
+// Calls tile(extent, x) over a row: steps of kVectors whole vectors, then single ones; the last one ends with
+// the row and may overlap the one before, which changes nothing. Rows below a vector are one part.
+template <int kLanes, int kVectors, class Visit>
+OKPCV_INLINE void coverRow(int64_t width, Visit visit) {
+    using One = std::integral_constant<int, 1>;
+    if (width < kLanes) return visit(One{}, Part{static_cast<int>(width)}, 0);
+    int64_t x = 0;
+    for (; x + kVectors * kLanes <= width; x += kVectors * kLanes)
+        visit(std::integral_constant<int, kVectors>{}, Whole{}, x);
+    for (; x + kLanes <= width; x += kLanes) visit(One{}, Whole{}, x);
+    if (x < width) visit(One{}, Whole{}, width - kLanes);
+}
+
+// Fills tile after tile of kRows rows: take(tile, p) takes in what belongs to the tile whose source is at p.
+template <class P, int kRows, class S, class D, class Take>
+OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Take take) {
+    coverRow<Vec<S>::lanes, 2>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Tile<P, kRows, vectors, decltype(extent)> tile(extent);
+        take(tile, src.data + x);
+        tile.write(dst.data + x, dst.step);
+    });
+}
+// Calls run with `count`, from kLeast to kMost, as a constant.
+template <int kLeast, int kMost, class Run>
+OKPCV_INLINE void withCount(int32_t count, Run run) {
+    if constexpr (kLeast < kMost) {
+        if (count != kLeast) return withCount<kLeast + 1, kMost>(count, run);
+    }
+    run(std::integral_constant<int, kLeast>{});
+}
+
+// A row all of whose terms, kTerms of them, have a height of 1.
+template <class P, int kTerms, class S, class D>
+OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
+    using Cell = typename P::Cell;
+    constexpr int kLanes = Vec<Cell>::lanes;
+    const S* from[kTerms];
+    for (int t = 0; t < kTerms; ++t) from[t] = src + terms.begin[t].offset;
+    coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<Cell> result[vectors];
+        for (int v = 0; v < vectors; ++v)
+            result[v] = loadCells<P>(from[0] + x + v * kLanes, extent.from(v * kLanes));
+        for (int t = 1; t < kTerms; ++t) {
+            for (int v = 0; v < vectors; ++v)
+                result[v] =
+                    P::Op::of(result[v], loadCells<P>(from[t] + x + v * kLanes, extent.from(v * kLanes)));
+        }
+        for (int v = 0; v < vectors; ++v)
+            storeCells<P>(dst + x + v * kLanes, result[v], extent.from(v * kLanes));
+    });
+}
+
+// A row of the maxima of kRun elements each, kStep apart, which reach into the next vector at most: one load
+// per vector, and maxima with itself, moved, for each doubling of the run. Reads a vector beyond the row.
+template <class P, int kRun, int kStep, class S, class D>
+OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
+    using Cell = typename P::Cell;
+    constexpr int kLanes = Vec<Cell>::lanes;
+    static_assert((kRun - 1) * kStep <= kLanes);
+    coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<Cell> run[vectors + 1];
+        for (int v = 0; v <= vectors; ++v) run[v] = load(src + x + v * kLanes);
+        const auto widen = [&](auto by) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < vectors; ++v)
+                run[v] = P::Op::of(run[v], slide<by * kStep>(run[v], run[v + 1]));
+            run[vectors] = P::Op::of(run[vectors], slide<by * kStep>(run[vectors], run[vectors]));
+        };
+        constexpr int kDoubled = std::bit_floor(static_cast<unsigned>(kRun));
+        if constexpr (kDoubled > 1) widen(std::integral_constant<int, 1>{});
+        if constexpr (kDoubled > 2) widen(std::integral_constant<int, 2>{});
+        if constexpr (kDoubled > 4) widen(std::integral_constant<int, 4>{});
+        if constexpr (kRun > kDoubled) widen(std::integral_constant<int, kRun - kDoubled>{});
+        for (int v = 0; v < vectors; ++v)
+            storeCells<P>(dst + x + v * kLanes, run[v], extent.from(v * kLanes));
+    });
+}
+
+template <class P, class S, class D, class Take>
+OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Take take) {
+    int64_t y = 0;
+    if (width >= Vec<S>::lanes) {
+        for (; y + 4 <= rows; y += 4)
+            fillTiles<P, 4>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width,
+                            take);
+    }
+    for (; y < rows; ++y)
+        fillTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width, take);
+}
+
+}  // namespace detail
+
+// dst(x, y) = the maximum of the `height` elements of src from (x, y) down. Watches all rows of the source
+// but the first height - 1.
+template <class P, class S, class D, class Watch>
+void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, int32_t height,
+                    Watch& watch) {
+    Watch seen = watch;
+    const int64_t step = src.step;
+    const auto withHeight = [&](auto take)
+                                OKPCV_INLINE_LAMBDA { detail::fillRows<P>(src, dst, width, rows, take); };
+    switch (height) {
+        case 1:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<1, true>(p, step, seen); });
+            break;
+        case 2:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<2, true>(p, step, seen); });
+            break;
+        case 3:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeShort<3, true>(p, step, seen); });
+            break;
+        default:
+            withHeight([&](auto& tile, const S* p)
+                           OKPCV_INLINE_LAMBDA { tile.template takeTall<true>(p, step, height, seen); });
+    }
+    watch = seen;
+}
+
+// dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
+// read, and ignore, a vector beyond each row of src.
+template <class P, class S, class D>
+void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+    if (terms.count() == 1) {
+        NoWatch none;
+        const Term& term = *terms.begin;
+        return combineColumns<P>(Image<const S>{src.data + term.offset, src.step}, dst, width, rows,
+                                 term.height, none);
+    }
+    if (terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts) {
+        return detail::withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
+            const int64_t first = terms.begin[0].offset;
+            const int64_t apart = terms.begin[1].offset - first;
+            const bool isRun = terms.begin[count - 1].offset - first == apart * (count - 1);
+            const auto fillRuns = [&](auto step) OKPCV_INLINE_LAMBDA {
+                if constexpr ((count - 1) * step <= Vec<S>::lanes) {
+                    if (!isRun || apart != step || width < Vec<S>::lanes) return false;
+                    for (int64_t y = 0; y < rows; ++y)
+                        detail::fillRunRow<P, count, step>(src.row(y) + first, dst.row(y), width);
+                    return true;
+                }
+                return false;
+            };
+            // The elements of a run are as far apart as there are channels.
+            if (fillRuns(std::integral_constant<int, 1>{}) || fillRuns(std::integral_constant<int, 3>{}) ||
+                fillRuns(std::integral_constant<int, 4>{}))
+                return;
+            for (int64_t y = 0; y < rows; ++y)
+                detail::fillRow<P, count>(src.row(y), dst.row(y), width, terms);
+        });
+    }
+    NoWatch none;
+    const int64_t step = src.step;
+    detail::fillRows<P>(src, dst, width, rows, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
+        const Term* t = terms.begin;
+        const Term* end = t + terms.ofHeight[0];
+        if (t != end) {
+            tile.template takeShort<1, true>(p + t->offset, step, none);
+            ++t;
+        } else {
+            tile.clear();
+        }
+        for (; t != end; ++t) tile.template takeShort<1, false>(p + t->offset, step, none);
+        end += terms.ofHeight[1];
+        for (; t != end; ++t) tile.template takeShort<2, false>(p + t->offset, step, none);
+        end += terms.ofHeight[2];
+        for (; t != end; ++t) tile.template takeShort<3, false>(p + t->offset, step, none);
+        end += terms.taller;
+        for (; t != end; ++t) tile.template takeTall<false>(p + t->offset, step, t->height, none);
+    });
+}
+
+// dst(x, y) = the maximum of the `height` elements of src from (x, y) down, for at most `height` rows, by
+// van Herk's and Gil and Werman's scheme: the rows that all outputs share and, growing upwards from them, the
+// upper parts go to dst; then the lower parts, growing downwards, are merged in.
+template <class P, class S, class D, class Watch>
+void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, int32_t height,
+                 Watch& watch) {
+    static_assert(std::is_same_v<D, typename P::Cell>);
+    using Op = typename P::Op;
+    constexpr int kLanes = Vec<D>::lanes;
+    Watch seen = watch;
+    detail::coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<D> run[vectors];
+        const auto begin = [&](int64_t row) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < vectors; ++v)
+                run[v] = detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes));
+        };
+        const auto grow = [&](int64_t row) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < vectors; ++v)
+                run[v] = Op::of(run[v],
+                                detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes)));
+        };
+        const auto see = [&](int64_t row) OKPCV_INLINE_LAMBDA {
+            if constexpr (!std::is_same_v<Watch, NoWatch>) {
+                for (int v = 0; v < vectors; ++v)
+                    seen.see(load(src.row(row) + x + v * kLanes, extent.from(v * kLanes)));
+            }
+        };
+        const auto write = [&](int64_t row, auto merge) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < vectors; ++v) {
+                D* const to = dst.row(row) + x + v * kLanes;
+                store(to, merge() ? Op::of(load(to, extent.from(v * kLanes)), run[v]) : run[v],
+                      extent.from(v * kLanes));
+            }
+        };
+        begin(height - 1);
+        see(height - 1);
+        for (int64_t y = height - 2; y >= rows; --y) grow(y);
+        for (int64_t y = rows - 1; y >= 0; --y) {
+            if (y < height - 1) grow(y);
+            write(y, std::false_type{});
+        }
+        if (rows == 1) return;
+        begin(height);
+        for (int64_t y = 1;; ++y) {
+            see(height + y - 1);
+            write(y, std::true_type{});
+            if (y + 1 == rows) break;
+            grow(height + y);
+        }
+    });
+    watch = seen;
+}
+
+}  // namespace okpcv::morph

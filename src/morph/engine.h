@@ -1,0 +1,305 @@
+// The engine of morphology for images of whole bytes: it carries rows of the source through the planes of a
+// plan and combines them into rows of the destination, strip by strip and a few rows at a time, so that what
+// is in use stays in the nearer caches. Opening, closing and their relatives can run it twice over one spec.
+//
+// M. van Herk, "A fast algorithm for local minimum and maximum filters on rectangular and octagonal kernels",
+// Pattern Recognition Letters 13 (1992); J. Gil and M. Werman, "Computing 2-D min, median, and max filters",
+// IEEE Transactions on Pattern Analysis and Machine Intelligence 15 (1993).
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "core/area.h"
+#include "core/border.h"
+#include "core/image.h"
+#include "core/simd.h"
+#include "morph/combine.h"
+#include "morph/intake.h"
+#include "morph/plan.h"
+#include "morph/spec.h"
+
+namespace okpcv::morph {
+
+// The sizes of the engine's scratch memory, which depend on the mask's size but not on its elements.
+struct Sizes {
+    int32_t maskWidth, maskHeight;
+    int32_t channels;
+    int64_t elementBytes;
+    int64_t blockRows;   // rows of output at a time
+    int64_t stripWidth;  // columns of output at a time
+    Window window;
+
+    Sizes(int32_t maskW, int32_t maskH, int64_t roiWidth, int channelCount, int64_t bytesOfElement)
+        : maskWidth(maskW), maskHeight(maskH), channels(channelCount), elementBytes(bytesOfElement) {
+        const int64_t pixelBytes = channels * elementBytes;
+        const int64_t apron = maskWidth - 1, kept = maskHeight - 1;
+        // At least as wide as the mask, so that what a border reflects lies in the strip.
+        const int64_t widest =
+            std::max({kRowBytes / pixelBytes - apron, kLeastStripBytes / pixelBytes, int64_t{maskWidth}});
+        stripWidth = std::min(roiWidth, widest);
+        // An odd number of cache lines, so that a column of a plane is spread over the cache's sets.
+        const int64_t rowBytes =
+            (roundUp((stripWidth + apron) * pixelBytes, kLineBytes) / kLineBytes | 1) * kLineBytes;
+        // A plane stays in the nearest cache where it can; but as rows that are kept have to be moved, there
+        // should be more others, up to where that hardly matters.
+        blockRows = roundUp(
+            std::clamp<int64_t>(kPlaneBytes / rowBytes - kept, std::clamp<int64_t>(2 * kept, 8, 64), 64), 4);
+        window = {kept + blockRows, rowBytes / elementBytes};
+    }
+
+  private:
+    static constexpr int64_t kRowBytes = 4096;
+    static constexpr int64_t kLeastStripBytes = 512;
+    static constexpr int64_t kPlaneBytes = 32 * 1024;
+    static constexpr int64_t kLineBytes = 64;
+};
+
+// The scratch memory.
+struct Scratch {
+    Term* terms;
+    int64_t* weights;
+    void* planes;
+    void* borderRows;  // source rows around the region's edges, outside rows included
+};
+
+inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
+    Scratch scratch;
+    const int64_t windowBytes = sizes.window.planeElements() * sizes.elementBytes;
+    scratch.planes = area.take<char>(Plan::kMaxPlanes * windowBytes, 64);
+    scratch.borderRows = area.take<char>(windowBytes, 64);
+    scratch.terms = area.take<Term>(2 * int64_t{sizes.maskWidth} * sizes.maskHeight);
+    scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
+    return scratch;
+}
+
+// One operation: the arguments of an export, checked. `value` holds four elements, of which those of the
+// channels count.
+template <class Pixel>
+struct Job {
+    Size size;
+    Image<const Pixel> src;
+    Image<Pixel> dst;
+    int channels;
+    Border border;
+    const Pixel* value;
+};
+
+template <class P, class Watch>
+class Engine {
+  public:
+    using Pixel = typename P::Pixel;
+    using Cell = typename P::Cell;
+
+    Engine(const Job<Pixel>& job, const Spec& spec, void* buffer)
+        : job_(job),
+          spec_(spec),
+          header_(spec.header()),
+          sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth, job.channels, sizeof(Cell)),
+          scratch_(placeScratch(buffer, sizes_)),
+          plan_(spec, job.channels, 7 * job.channels <= Vec<Cell>::lanes ? 8 : 4, sizes_.window,
+                scratch_.terms, scratch_.weights) {
+        for (int c = 0; c < 4; ++c) {
+            const Vec<Pixel> value = broadcast(job.value[c]);
+            if (job.border.kind() == BorderConstant) watch_.see(value);
+            value_[c] = firstLane(P::toCells(value));
+        }
+    }
+
+    // False as soon as a pixel turns up that needs other cells; some of the destination is then written.
+    bool run() {
+        const int64_t strip = std::min(sizes_.stripWidth, job_.size.width);
+        for (int64_t x = 0; x < job_.size.width; x += strip) {
+            // The last strip overlaps the one before.
+            if (!runStrip(std::min(x, job_.size.width - strip), strip)) return false;
+        }
+        return true;
+    }
+
+  private:
+    // Rows of output that a rectangle makes at a time.
+    static constexpr int64_t kFewRows = 8;
+
+    static Scratch placeScratch(void* buffer, const Sizes& sizes) {
+        Area area(buffer);
+        return layOutScratch(area, sizes);
+    }
+
+    Cell* planeRow(int plane, int64_t row) const {
+        return static_cast<Cell*>(scratch_.planes) + plane * sizes_.window.planeElements() +
+               row * sizes_.window.step;
+    }
+    Image<Cell> planeRows(int plane, int64_t row) const {
+        return {planeRow(plane, row), sizes_.window.step * int64_t{sizeof(Cell)}};
+    }
+
+    bool runStrip(int64_t x, int64_t width) {
+        // The strip's columns with those around it that the mask reaches; of these the first to the last that
+        // lie in readable memory.
+        const Border& border = job_.border;
+        from_ = x - header_.anchorX;
+        to_ = x + width + header_.rightExtent;
+        readableFrom_ = border.leftInMemory() ? from_ : std::max<int64_t>(from_, 0);
+        readableTo_ = border.rightInMemory() ? to_ : std::min(to_, job_.size.width);
+        const int64_t readable = (readableFrom_ - from_) * job_.channels;
+        RowIntake<P, Watch> intake({job_.src.row(0) + readableFrom_ * job_.channels, job_.src.step},
+                                   {(readableTo_ - readableFrom_) * job_.channels, job_.size.height}, border,
+                                   job_.value, job_.channels,
+                                   {planeRow(0, 0) + readable, planeRows(0, 0).step},
+                                   {static_cast<Pixel*>(scratch_.borderRows), planeRows(0, 0).step}, watch_);
+        return spec_.isRectangle() ? runRectangle(intake, x, width) : runRuns(intake, x, width);
+    }
+
+    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
+    bool runRectangle(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+        const Spec::Place block = spec_.block(0);
+        const int64_t blockRows = block.height > RowIntake<P, Watch>::kTallest ? sizes_.blockRows : kFewRows;
+        for (int64_t y = 0; y < job_.size.height; y += blockRows) {
+            const int64_t rows = std::min(blockRows, job_.size.height - y);
+            intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
+            extendRows(0, rows);
+            if (watch_.found()) return false;
+            // The other planes have a few rows only, which stay in the nearest cache.
+            for (int64_t i = 0; i < rows; i += kFewRows) {
+                const int64_t few = std::min(kFewRows, rows - i);
+                for (int p = 1; p < plan_.planeCount(); ++p)
+                    makePlane(p, planeRows(plan_.plane(p).source, plan_.plane(p).source == 0 ? i : 0), 0,
+                              few);
+                combine(planeRows(0, plan_.planeCount() == 1 ? i : 0), destination(x, y + i),
+                        width * job_.channels, few, plan_.terms());
+            }
+        }
+        return true;
+    }
+
+    // Any other mask: rows come in as they are, and stay while the mask reaches them.
+    bool runRuns(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+        const int64_t kept = header_.maskHeight - 1;
+        for (int64_t y = 0; y < job_.size.height; y += sizes_.blockRows) {
+            const int64_t rows = std::min(sizes_.blockRows, job_.size.height - y);
+            const int64_t old = y == 0 ? 0 : kept;
+            intake.takeRows(y - header_.anchorY + old, old, kept + rows);
+            extendRows(old, kept + rows);
+            if (watch_.found()) return false;
+            for (int p = 1; p < plan_.planeCount(); ++p)
+                makePlane(p, planeRows(plan_.plane(p).source, old), old, kept + rows - old);
+            writeRows(destination(x, y), width * job_.channels, rows);
+            for (int p = 0; p < plan_.planeCount(); ++p) {
+                if (!plan_.plane(p).inTerms) continue;
+                for (int64_t i = 0; i < kept; ++i) {
+                    std::memcpy(planeRow(p, i), planeRow(p, rows + i),
+                                static_cast<size_t>(to_ - from_) * job_.channels * sizeof(Cell));
+                }
+            }
+        }
+        return true;
+    }
+
+    // Rows of a plane from those of its source.
+    void makePlane(int p, Image<const Cell> source, int64_t first, int64_t rows) {
+        const Plan::Plane& plane = plan_.plane(p);
+        const int64_t runs = to_ - from_ - plane.run + 1;
+        if (runs > 0) combine(source, planeRows(p, first), runs * job_.channels, rows, plane.terms());
+    }
+
+    Image<Pixel> destination(int64_t x, int64_t y) const {
+        return {job_.dst.row(y) + x * job_.channels, job_.dst.step};
+    }
+
+    template <class D>
+    void combine(Image<const Cell> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+        combineRows<P>(src, dst, width, rows, terms);
+    }
+
+    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows) {
+        const Image<const Cell> src = planeRows(0, 0);
+        if (header_.slope == 0) return combine(src, dst, width, rows, plan_.terms());
+        // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
+        // the columns that all have are done; the ends of the rows follow, as whole vectors, row by row of
+        // the mask.
+        const int64_t slope = int64_t{header_.slope} * job_.channels;
+        constexpr int64_t kTogether = 4;
+        const int64_t shift = (kTogether - 1) * (slope < 0 ? -slope : slope);
+        const int64_t end = std::max<int64_t>(shift, Vec<Cell>::lanes);
+        const TermList rowByRow = plan_.rowByRow();
+        int64_t y = 0;
+        for (; y + kTogether <= rows && width >= 2 * end; y += kTogether) {
+            const int64_t begin = slope < 0 ? shift : 0;
+            combine({src.row(y) + begin, src.step + slope * int64_t{sizeof(Cell)}},
+                    Image<Pixel>{dst.row(y) + begin, dst.step + slope * int64_t{sizeof(Pixel)}},
+                    width - shift, kTogether, plan_.terms());
+            combine({src.row(y), src.step}, Image<Pixel>{dst.row(y), dst.step}, end, kTogether, rowByRow);
+            combine({src.row(y) + width - end, src.step}, Image<Pixel>{dst.row(y) + width - end, dst.step},
+                    end, kTogether, rowByRow);
+        }
+        combine({src.row(y), src.step}, Image<Pixel>{dst.row(y), dst.step}, width, rows - y, rowByRow);
+    }
+
+    // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.
+    void extendRows(int64_t first, int64_t end) const {
+        if (readableFrom_ == from_ && readableTo_ == to_) return;
+        for (int64_t i = first; i < end; ++i) {
+            switch (job_.channels) {
+                case 1:
+                    extendRow<1>(planeRow(0, i));
+                    break;
+                case 3:
+                    extendRow<3>(planeRow(0, i));
+                    break;
+                default:
+                    extendRow<4>(planeRow(0, i));
+            }
+        }
+    }
+    template <int kChannels>
+    OKPCV_INLINE void extendRow(Cell* row) const {
+        Cell* const columnZero = row - from_ * kChannels;
+        const int64_t width = job_.size.width;
+        if (job_.border.kind() == BorderMirror) {
+            produceColumns<kChannels>(row, columnZero, width, from_, readableFrom_, job_.border, value_);
+            produceColumns<kChannels>(columnZero + readableTo_ * kChannels, columnZero, width, readableTo_,
+                                      to_, job_.border, value_);
+            return;
+        }
+        const bool replicates = job_.border.kind() == BorderReplicate;
+        repeat<kChannels>(row, replicates ? columnZero : value_, readableFrom_ - from_);
+        repeat<kChannels>(columnZero + readableTo_ * kChannels,
+                          replicates ? columnZero + (width - 1) * kChannels : value_, to_ - readableTo_);
+    }
+    template <int kChannels>
+    static OKPCV_INLINE void repeat(Cell* to, const Cell* pixel, int64_t count) {
+        Cell value[kChannels];
+        for (int c = 0; c < kChannels; ++c) value[c] = pixel[c];
+        for (int64_t x = 0; x < count; ++x) {
+            for (int c = 0; c < kChannels; ++c) to[x * kChannels + c] = value[c];
+        }
+    }
+
+    Job<Pixel> job_;
+    const Spec& spec_;
+    const SpecHeader& header_;
+    Sizes sizes_;
+    Scratch scratch_;
+    Plan plan_;
+    Watch watch_;
+    Cell value_[4];
+    int64_t from_ = 0, to_ = 0, readableFrom_ = 0, readableTo_ = 0;
+};
+
+// Runs the operation on images whose rows are whole bytes.
+template <class Op, class Pixel>
+void applyMask(const Job<Pixel>& job, const Spec& spec, void* buffer) {
+    if (spec.isIdentity()) {
+        const auto rowBytes = static_cast<size_t>(job.size.width) * job.channels * sizeof(Pixel);
+        for (int64_t y = 0; y < job.size.height; ++y) std::memcpy(job.dst.row(y), job.src.row(y), rowBytes);
+    } else if constexpr (kIsFloat<Pixel>) {
+        if (Engine<PlainFloats<Op>, FloatWatch>(job, spec, buffer).run()) return;
+        Engine<OrderedFloats<Op>, NoWatch>(job, spec, buffer).run();
+    } else {
+        Engine<Integers<Pixel, Op>, NoWatch>(job, spec, buffer).run();
+    }
+}
+
+}  // namespace okpcv::morph

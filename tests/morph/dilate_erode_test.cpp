@@ -1,0 +1,196 @@
+// Dilation and erosion against their definition, bit for bit, for all types of whole bytes.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "morph/reference.h"
+#include "support/compare.h"
+#include "support/guarded_image.h"
+#include "support/random.h"
+
+namespace okpcv::test {
+namespace {
+
+// The exports of one type.
+template <class T, class Value>
+struct Exports {
+    int channels;
+    DataTypeCode type;
+    okpStatus (*getSize)(RoiSize, RoiSize, int32_t*, int32_t*);
+    okpStatus (*init)(RoiSize, const uint8_t*, RoiSize, MorphSpec*, uint8_t*);
+    using Border = okpStatus(const T*, int32_t, T*, int32_t, RoiSize, BorderKind, Value, const MorphSpec*,
+                             uint8_t*);
+    Border *dilate, *erode;
+    using Large = okpStatus(const T*, int64_t, T*, int64_t, RoiSizeL, BorderKind, const T*, const MorphSpec*,
+                            uint8_t*);
+    Large *dilateL, *erodeL;
+};
+// An area of exactly the queried size that begins at any address and ends at an unreadable page.
+std::unique_ptr<GuardedMemory> areaOf(int64_t bytes, Random& random) {
+    const auto at = random.chance(0.5) ? GuardedMemory::At::End : GuardedMemory::At::Start;
+    auto memory = std::make_unique<GuardedMemory>(static_cast<size_t>(bytes), at);
+    std::memset(memory->data(), 0xA5, static_cast<size_t>(bytes));
+    return memory;
+}
+
+struct Areas {
+    std::unique_ptr<GuardedMemory> spec, buffer;
+    MorphSpec* specPointer() const { return reinterpret_cast<MorphSpec*>(spec->data()); }
+    uint8_t* bufferPointer() const { return reinterpret_cast<uint8_t*>(buffer->data()); }
+};
+
+template <class T, class Value>
+Areas prepare(const Exports<T, Value>& e, RoiSize roi, const Mask& mask, bool large, Random& random) {
+    Areas areas;
+    if (large) {
+        const RoiSizeL roiL{roi.width, roi.height}, maskL{mask.width, mask.height};
+        int64_t specSize = 0, bufferSize = 0;
+        EXPECT_EQ(okpiErodeGetSpecSize_L(roiL, maskL, &specSize), okpStatusOk);
+        EXPECT_EQ(okpiDilateGetBufferSize_L(roiL, maskL, e.type, e.channels, &bufferSize), okpStatusOk);
+        areas = {areaOf(specSize, random), areaOf(bufferSize, random)};
+        EXPECT_EQ(okpiDilateInit_L(roiL, mask.bytes.data(), maskL, areas.specPointer()), okpStatusOk);
+    } else {
+        int32_t specSize = 0, bufferSize = 0;
+        EXPECT_EQ(e.getSize(roi, mask.size(), &specSize, &bufferSize), okpStatusOk);
+        areas = {areaOf(specSize, random), areaOf(bufferSize, random)};
+        EXPECT_EQ(e.init(roi, mask.bytes.data(), mask.size(), areas.specPointer(), areas.bufferPointer()),
+                  okpStatusOk);
+    }
+    return areas;
+}
+
+template <class T, class Value>
+void expectDefinition(const Exports<T, Value>& e, Random& random, RoiSize roi, const Mask& mask,
+                      uint32_t border, bool specials) {
+    SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << " mask " << mask.width << "x"
+                                    << mask.height << " border " << border << " channels " << e.channels);
+    const uint32_t flags = border | border >> 4;
+    const auto element = static_cast<int>(sizeof(T));
+    using Layout = typename GuardedImage<T>::Layout;
+    const Layout layout{.channels = e.channels,
+                        .padding = element * random.integer(0, 5),
+                        .at = random.chance(0.5) ? GuardedMemory::At::End : GuardedMemory::At::Start,
+                        .left = flags & BorderInMemLeft ? mask.left() : 0,
+                        .top = flags & BorderInMemTop ? mask.above() : 0,
+                        .right = flags & BorderInMemRight ? mask.right() : 0,
+                        .bottom = flags & BorderInMemBottom ? mask.below() : 0};
+    GuardedImage<T> src(roi.width, roi.height, layout);
+    src.fill([&](int, int, int) { return specials ? random.special<T>() : random.value<T>(); });
+    GuardedImage<T> dst(roi.width, roi.height,
+                        Layout{.channels = e.channels, .padding = element * random.integer(0, 5)});
+    T value[4];
+    for (T& v : value) v = specials ? random.special<T>() : random.value<T>();
+
+    for (const Op op : {Op::Dilate, Op::Erode}) {
+        const bool large = random.chance(0.5);
+        const Areas areas = prepare(e, roi, mask, large, random);
+        okpStatus status;
+        if (large) {
+            status = (op == Op::Dilate ? e.dilateL : e.erodeL)(
+                src.data(), src.step(), dst.data(), dst.step(), {roi.width, roi.height}, border,
+                (border & 15) == BorderConstant ? value : nullptr, areas.specPointer(),
+                areas.bufferPointer());
+        } else {
+            Value argument;
+            if constexpr (std::is_pointer_v<Value>) {
+                argument = (border & 15) == BorderConstant ? value : nullptr;
+            } else {
+                argument = value[0];
+            }
+            status = (op == Op::Dilate ? e.dilate : e.erode)(src.data(), src.step(), dst.data(), dst.step(),
+                                                             roi, border, argument, areas.specPointer(),
+                                                             areas.bufferPointer());
+        }
+        ASSERT_EQ(status, okpStatusOk);
+        std::vector<T> expected;
+        for (int y = 0; y < roi.height; ++y) {
+            for (int x = 0; x < roi.width; ++x) {
+                for (int c = 0; c < e.channels; ++c) {
+                    expected.push_back(morphed(op, mask, roi, border, value[c], x, y,
+                                               [&](int sx, int sy) { return src.at(sx, sy, c); }));
+                }
+            }
+        }
+        ASSERT_TRUE(sameBits(dst.pixels(), expected)) << (op == Op::Dilate ? "dilation" : "erosion");
+        ASSERT_TRUE(dst.paddingIntact());
+    }
+}
+
+template <class T, class Value>
+void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
+    Random random(seed);
+    for (int i = 0; i < 250 && !testing::Test::HasFatalFailure(); ++i) {
+        const RoiSize roi{random.integer(1, 60), random.integer(1, 30)};
+        expectDefinition(e, random, roi, randomMask(random, i % 5 == 0 ? 40 : 9), randomBorder(random, true),
+                         random.chance(0.3));
+    }
+    // Wide enough for several strips, high enough for several blocks of rows.
+    for (const Mask& mask :
+         {Mask(3, 3, [](int, int) { return 1; }), Mask(70, 2, [](int i, int) { return i % 7; }),
+          Mask(1, 40, [](int, int) { return 1; }), Mask(5, 5, [](int i, int j) { return i == j; })}) {
+        if (testing::Test::HasFatalFailure()) break;
+        expectDefinition(e, random, {9000 / e.channels, 40}, mask, BorderMirror, false);
+        expectDefinition(e, random, {10, 300}, mask, BorderConstant, false);
+    }
+}
+
+TEST(DilateErode, U8C1) {
+    expectDefinitionEverywhere(
+        Exports<uint8_t, uint8_t>{1, DataType8u, okpiMorphologyBorderGetSize_8u_C1R,
+                                  okpiMorphologyBorderInit_8u_C1R, okpiDilateBorder_8u_C1R,
+                                  okpiErodeBorder_8u_C1R, okpiDilate_8u_C1R_L, okpiErode_8u_C1R_L},
+        1);
+}
+TEST(DilateErode, U8C3) {
+    expectDefinitionEverywhere(
+        Exports<uint8_t, const uint8_t*>{3, DataType8u, okpiMorphologyBorderGetSize_8u_C3R,
+                                         okpiMorphologyBorderInit_8u_C3R, okpiDilateBorder_8u_C3R,
+                                         okpiErodeBorder_8u_C3R, okpiDilate_8u_C3R_L, okpiErode_8u_C3R_L},
+        2);
+}
+TEST(DilateErode, U8C4) {
+    expectDefinitionEverywhere(
+        Exports<uint8_t, const uint8_t*>{4, DataType8u, okpiMorphologyBorderGetSize_8u_C4R,
+                                         okpiMorphologyBorderInit_8u_C4R, okpiDilateBorder_8u_C4R,
+                                         okpiErodeBorder_8u_C4R, okpiDilate_8u_C4R_L, okpiErode_8u_C4R_L},
+        3);
+}
+TEST(DilateErode, U16) {
+    expectDefinitionEverywhere(
+        Exports<uint16_t, uint16_t>{1, DataType16u, okpiMorphologyBorderGetSize_16u_C1R,
+                                    okpiMorphologyBorderInit_16u_C1R, okpiDilateBorder_16u_C1R,
+                                    okpiErodeBorder_16u_C1R, okpiDilate_16u_C1R_L, okpiErode_16u_C1R_L},
+        4);
+}
+TEST(DilateErode, S16) {
+    expectDefinitionEverywhere(
+        Exports<int16_t, int16_t>{1, DataType16s, okpiMorphologyBorderGetSize_16s_C1R,
+                                  okpiMorphologyBorderInit_16s_C1R, okpiDilateBorder_16s_C1R,
+                                  okpiErodeBorder_16s_C1R, okpiDilate_16s_C1R_L, okpiErode_16s_C1R_L},
+        5);
+}
+TEST(DilateErode, F32C1) {
+    expectDefinitionEverywhere(
+        Exports<float, float>{1, DataType32f, okpiMorphologyBorderGetSize_32f_C1R,
+                              okpiMorphologyBorderInit_32f_C1R, okpiDilateBorder_32f_C1R,
+                              okpiErodeBorder_32f_C1R, okpiDilate_32f_C1R_L, okpiErode_32f_C1R_L},
+        6);
+}
+TEST(DilateErode, F32C3) {
+    expectDefinitionEverywhere(
+        Exports<float, const float*>{3, DataType32f, okpiMorphologyBorderGetSize_32f_C3R,
+                                     okpiMorphologyBorderInit_32f_C3R, okpiDilateBorder_32f_C3R,
+                                     okpiErodeBorder_32f_C3R, okpiDilate_32f_C3R_L, okpiErode_32f_C3R_L},
+        7);
+}
+TEST(DilateErode, F32C4) {
+    expectDefinitionEverywhere(
+        Exports<float, const float*>{4, DataType32f, okpiMorphologyBorderGetSize_32f_C4R,
+                                     okpiMorphologyBorderInit_32f_C4R, okpiDilateBorder_32f_C4R,
+                                     okpiErodeBorder_32f_C4R, okpiDilate_32f_C4R_L, okpiErode_32f_C4R_L},
+        8);
+}
+
+}  // namespace
+}  // namespace okpcv::test
