@@ -1323,4 +1323,79 @@ OKPCV_API okpStatus okpiFilterGaussianBorder_32f_C3R(const float* pSrc, int32_t 
 
 /** @} */
 
+/**
+ * @defgroup derivatives Derivative kernels and gradients
+ * @brief Kernels of binomial derivatives, and the reduction of a three-channel gradient to one channel.
+ * @{
+ */
+
+/**
+ * @brief One-dimensional kernel of a smoothed derivative, in 16-bit integers.
+ *
+ * The coefficients of @f$ (1 + z)^{n - d - 1} (1 - z)^d @f$ for a kernel of @f$ n @f$ taps and order
+ * @f$ d @f$, ordered for filters that do not flip their kernels: 1 2 1 for @f$ n = 3, d = 0 @f$; -1 0 1 for
+ * @f$ d = 1 @f$, positive where values grow; 1 -2 1 for @f$ d = 2 @f$. Not normalised. Arithmetic is that of
+ * the elements: integers are exact modulo @f$ 2^{16} @f$, floats round every sum.
+ *
+ * @param[out] pKernel    Receives kernelSize coefficients.
+ * @param[in]  kernelSize Number of taps: odd, at least 1.
+ * @param[in]  order      Order of the derivative: at least 0, less than kernelSize.
+ * @param[in]  sign       Negative: all coefficients change their sign.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the kernel is null;
+ *         - #okpStatusBadSize: a number of taps that is even or below 1, an order below 0 or not less than
+ * it.
+ */
+OKPCV_API okpStatus okpiGenSobelKernel_16s(int16_t* pKernel, int32_t kernelSize, int32_t order, int32_t sign);
+
+/**
+ * @brief One-dimensional kernel of a smoothed derivative, in floats.
+ * @copydetails okpiGenSobelKernel_16s
+ */
+OKPCV_API okpStatus okpiGenSobelKernel_32f(float* pKernel, int32_t kernelSize, int32_t order, int32_t sign);
+
+/**
+ * @brief Reduces an 8-bit image of three channels to one by a norm of each pixel.
+ *
+ * | norm | result for the values @f$ a, b, c @f$ | for floats |
+ * |---|---|---|
+ * | 0 | @f$ \max(a, b, c) @f$ | the same |
+ * | 1 | @f$ \lfloor (1365 (a + b + c) + 2048) / 4096 \rfloor @f$ | @f$ (a + b + c) / 3 @f$ |
+ * | 2 | @f$ \sqrt{(a^2 + b^2 + c^2) / 3} @f$ to nearest, ties to even | the same, not rounded to integers |
+ *
+ * For norm 2 the sum of squares, exact for integers, is rounded to single precision, multiplied by
+ * 0.33333334 and its root taken in single precision. 16-bit images use the formulas of 8-bit ones. Where a
+ * maximum meets NaN, the result is not defined.
+ *
+ * @param[in]  pSrc    First pixel of the source's region.
+ * @param[in]  srcStep Bytes from one source row to the next.
+ * @param[out] pDst    First pixel of the destination's region; must not overlap the source.
+ * @param[in]  dstStep Bytes from one destination row to the next.
+ * @param[in]  roiSize Size of the region in pixels.
+ * @param[in]  norm    0, 1 or 2.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: an image is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadStep: a step is smaller than a row of its image;
+ *         - #okpStatusBadArgument: another norm.
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/**
+ * @brief Reduces an unsigned 16-bit image of three channels to one by a norm of each pixel.
+ * @copydetails okpiGradientColorToGray_8u_C3C1R
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_16u_C3C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/**
+ * @brief Reduces a float image of three channels to one by a norm of each pixel.
+ * @copydetails okpiGradientColorToGray_8u_C3C1R
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_32f_C3C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/** @} */
+
 #endif /* OKPCV_FILTER_H */
