@@ -73,6 +73,7 @@ int main(int argc, char** argv) {
         addIntegralPanels(gallery);
         addFilterPanels(gallery);
         addFeaturePanels(gallery);
+        addSegmentPanels(gallery);
         addGeometryPanels(gallery);
         addMorphPanels(gallery);
 

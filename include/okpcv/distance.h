@@ -218,8 +218,9 @@ OKPCV_API okpStatus okpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RoiSize roi
  * largest finite float, about 1.8446743e19. The time depends on the size alone, not on where the zero pixels
  * lie.
  *
- * Results are exact to the rounding of the squared distance and the root, that is entirely while the sides of
- * the image stay below 2048 pixels.
+ * While width and height are below 2048 the rounding of these steps changes nothing: the results are the
+ * distances, correctly rounded. In images wider than 4096 pixels it moves boundaries of the envelope by whole
+ * pixels, and distances may come out a few pixels too large, towards the right side the more.
  *
  * Source: P. F. Felzenszwalb, D. P. Huttenlocher, "Distance transforms of sampled functions", Theory of
  * Computing 8 (2012).

@@ -741,6 +741,10 @@ OKPCV_INLINE Vec<T> broadcastLane(Vec<T> a) {
         return {_mm_shuffle_epi8(x, _mm_set1_epi8(static_cast<char>(N)))};
     }
 }
+template <class T>
+OKPCV_INLINE Vec<T> broadcastLast(Vec<T> a) {
+    return broadcastLane<Vec<T>::lanes - 1>(a);
+}
 // Lane i becomes the largest of the lanes 0 to i, and at least 0.
 template <int N = 1, class T>
 OKPCV_INLINE Vec<T> prefixMax(Vec<T> a) {
@@ -974,13 +978,6 @@ OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
     };
     return {output(detail::ChannelSource<T, 0>{}), output(detail::ChannelSource<T, 1>{}),
             output(detail::ChannelSource<T, 2>{})};
-}
-
-// The last lane in every lane (32-bit lanes).
-template <class T>
-OKPCV_INLINE Vec<T> broadcastLast(Vec<T> a) {
-    static_assert(sizeof(T) == 4);
-    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, 0xFF)});
 }
 
 // Lane i becomes the sum of the lanes 0 to i of four lanes: neighbours are added first, then pairs, so that

@@ -79,7 +79,7 @@ class StraightSteps {
         ramp_ = load(ramp);
     }
     OKPCV_INLINE Vec<T> operator()(Vec<T> before, Vec<T> v) const {
-        const Vec<T> carried = broadcastLane < kForward ? kLanes - 1 : 0 > (before);
+        const Vec<T> carried = kForward ? broadcastLast(before) : broadcastLane<0>(before);
         return min(alongVector<1, kForward>(v, *this), addSaturated(carried, ramp_));
     }
     template <int N>
@@ -190,7 +190,7 @@ OKPCV_INLINE void storeAt(T* row, int64_t x, Vec<T> v, AtEdge edge) {
     store(row + x, v, Part{edge.lanesFrom(x, Vec<T>::lanes)});
 }
 
-// One row of a pass: where it reads and writes, and the value carried along it.
+// One row of a pass: what it reads and writes.
 template <class T>
 struct RowVisit {
     const uint8_t* src;
@@ -324,10 +324,10 @@ constexpr int weightCount(int32_t maskSize) {
     return maskSize == 3 ? 2 : 3;
 }
 
-// Whether a knight's step can be left out: when it costs no less than the two steps that replace it, and a <=
-// b, which lets the passes of the smaller mask find the cheapest path of all. The larger mask cannot find a
-// cheaper one, nor, having all of the smaller one's neighbours, miss it. Float sums depend on how a path is
-// split, so there this holds for no weights.
+// Whether a knight's step can be left out: when it costs no less than the two steps that replace it, and no
+// straight step more than a diagonal one, so that the passes of the smaller mask find the cheapest path of
+// all. The larger mask cannot find a cheaper one, nor, having all of the smaller one's neighbours, miss it.
+// Float sums depend on how a path is split, so there this holds for no weights.
 template <class T, class Weight>
 constexpr bool isKnightUseless(const Weight* weights) {
     if constexpr (kIsFloat<T>) {
@@ -363,37 +363,32 @@ okpStatus distanceTransform(Image<const uint8_t> src, Image<T> dst, RoiSize roiS
 
 // ---- Weights of the common norms ------------------------------------------------------------------------
 
+// By mask size, 3 x 3 and 5 x 5, and norm code: maximum, L1, L2.
 template <class Weight>
-struct NormWeights {
-    Weight abc[3];
-};
-// By norm code: maximum, L1, L2.
-constexpr NormWeights<float> kFloat3x3[] = {{{1.0F, 1.0F}}, {{1.0F, 2.0F}}, {{0.955F, 1.3693F}}};
-constexpr NormWeights<float> kFloat5x5[] = {
-    {{1.0F, 1.0F, 2.0F}}, {{1.0F, 2.0F, 3.0F}}, {{1.0F, 1.4F, 2.1969F}}};
-constexpr NormWeights<int32_t> kInteger3x3[] = {{{1, 1}}, {{1, 2}}, {{2, 3}}};
-constexpr NormWeights<int32_t> kInteger5x5[] = {{{1, 1, 2}}, {{1, 2, 3}}, {{5, 7, 11}}};
+using WeightTable = Weight[2][3][3];
+constexpr WeightTable<float> kFloatWeights = {
+    {{1.0F, 1.0F}, {1.0F, 2.0F}, {0.955F, 1.3693F}},
+    {{1.0F, 1.0F, 2.0F}, {1.0F, 2.0F, 3.0F}, {1.0F, 1.4F, 2.1969F}}};
+constexpr WeightTable<int32_t> kIntegerWeights = {{{1, 1}, {1, 2}, {2, 3}},
+                                                  {{1, 1, 2}, {1, 2, 3}, {5, 7, 11}}};
 
 constexpr bool isMaskSize(int32_t size) {
     return size == 3 || size == 5;
 }
 
 template <class Weight>
-void copyWeights(int32_t maskSize, int32_t norm, const NormWeights<Weight>* of3x3,
-                 const NormWeights<Weight>* of5x5, Weight* weights) {
-    const NormWeights<Weight>& from = (maskSize == 3 ? of3x3 : of5x5)[norm];
-    for (int i = 0; i < weightCount(maskSize); ++i) weights[i] = from.abc[i];
+void copyWeights(const WeightTable<Weight>& table, int32_t maskSize, int32_t norm, Weight* weights) {
+    for (int i = 0; i < weightCount(maskSize); ++i) weights[i] = table[maskSize == 5][norm][i];
 }
 
 template <class Weight>
-okpStatus normWeights(int32_t maskSize, int32_t norm, const NormWeights<Weight>* of3x3,
-                      const NormWeights<Weight>* of5x5, Weight* weights) {
+okpStatus normWeights(const WeightTable<Weight>& table, int32_t maskSize, int32_t norm, Weight* weights) {
     Checks checks;
     checks.pointers(weights)
         .require(isMaskSize(maskSize), okpStatusBadSize)
         .require(norm >= 0 && norm <= 2, okpStatusBadArgument);
     if (checks.failed()) return checks.status();
-    copyWeights(maskSize, norm, of3x3, of5x5, weights);
+    copyWeights(table, maskSize, norm, weights);
     return okpStatusOk;
 }
 
@@ -451,14 +446,14 @@ okpStatus okpiGetDistanceTransformMask(int32_t maskType, float* pMetrics) {
         .require(isMaskSize(maskSize), okpStatusBadSize)
         .require(maskType >= 30 && maskType <= 52, okpStatusOutOfRange);
     if (checks.failed()) return checks.status();
-    copyWeights(maskSize, norm, kFloat3x3, kFloat5x5, pMetrics);
+    copyWeights(kFloatWeights, maskSize, norm, pMetrics);
     return okpStatusOk;
 }
 
 okpStatus okpiGetDistanceTransformMask_32f(int32_t kernelSize, int32_t norm, float* pMetrics) {
-    return normWeights(kernelSize, norm, kFloat3x3, kFloat5x5, pMetrics);
+    return normWeights(kFloatWeights, kernelSize, norm, pMetrics);
 }
 
 okpStatus okpiGetDistanceTransformMask_32s(int32_t kernelSize, int32_t norm, int32_t* pMetrics) {
-    return normWeights(kernelSize, norm, kInteger3x3, kInteger5x5, pMetrics);
+    return normWeights(kIntegerWeights, kernelSize, norm, pMetrics);
 }

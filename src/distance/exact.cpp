@@ -37,7 +37,7 @@ struct Scratch {
     int32_t* lowest;         // where a pixel is the first of its parabola, that one's position
 };
 
-// Takes at most 28 * width + 12 * lanes + 4 * kLongestSpan + 50 bytes.
+// Takes at most 28 * width + 8 * kLongestSpan + 8 * lanes + 27 bytes.
 Scratch layOut(Area& area, Size size) {
     Scratch s;
     s.halfReciprocals = area.take<float>(size.width, 32);
@@ -60,9 +60,10 @@ Checks& checkSize(Checks& checks, Size size) {
     return checks.size(size).require(bufferBytes(size) <= INT32_MAX, okpStatusBadSize);
 }
 
-// Whether rounding cannot change a result. Sums are then exact, and a bound is off by less than 2^-12, while
-// two bounds that are not equal, or a bound and a pixel, are at least so far apart: any way to the lowest
-// parabola gives the same distance.
+// Whether rounding cannot change a result. Below this size all sums are exact, and a bound, being at most the
+// width in question, is off by less than 2^-12. A bound is a multiple of 0.5 / n, n below 2^11, so it is
+// either equal to a pixel, where both parabolas have the same value, or further from it than it is off. Any
+// way to the lowest parabola then gives the same distance.
 constexpr bool isRoundingHarmless(Size size) {
     return size.width < 2048 && size.height < 2048;
 }
@@ -180,7 +181,7 @@ void evaluateEnvelope(int64_t width, int64_t count, bool zerosAreKnown, const Sc
     Vec<int32_t> x = laneNumbers<int32_t>();
     const auto kernel = [&](auto extent, float* root, const int32_t* lowest, const float* f) {
         const Vec<int32_t> position = max(prefixMax(load(lowest, extent)), before);
-        before = broadcastLane<kLanes - 1>(position);
+        before = broadcastLast(position);
         const Vec<float> squared = gather(s.f, position) + square(x - position);
         const Vec<float> isZero = equal(load(f, extent), zeros<float>()) & known;
         store(root, andNot(sqrt(squared), isZero), extent);

@@ -48,24 +48,36 @@ void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* r
     alignas(kVectorBytes) float table[Length * lanes];
     for (int j = 0; j < Length; ++j) store(table + j * lanes, broadcast(kernel[j]));
 
+    // The last vector of a row is moved back to end with it.
     const auto stream = [&]<int Rows, bool HasOutput>(int64_t row) OKPCV_INLINE_LAMBDA {
         const Image<D> dst{HasOutput ? Image<D>{out, step}.row(row) : nullptr, step};
         float* places = state;
-        forBlocks<1, lanes>(count, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            streamRows<D, Length, Symmetric, Rows, HasOutput>(dst, rows + row, x, table, scale, places,
-                                                              extent);
-            places += (Length - 1) * lanes;
-        });
+        for (int64_t x = 0; x < count; x += lanes, places += (Length - 1) * lanes) {
+            const int64_t at = x + lanes <= count ? x : count - lanes;
+            streamRows<D, Length, Symmetric, Rows, HasOutput>(dst, rows + row, at, table, scale, places,
+                                                              Whole{});
+        }
     };
     int64_t row = 0;
-    if (out == nullptr) {
+    if (count < lanes) {
+        for (; row < rowCount; ++row) {
+            const Part part{static_cast<int>(count)};
+            if (out == nullptr) {
+                streamRows<D, Length, Symmetric, 1, false>(Image<D>{}, rows + row, 0, table, scale, state,
+                                                           part);
+            } else {
+                const Image<D> dst{Image<D>{out, step}.row(row), step};
+                streamRows<D, Length, Symmetric, 1, true>(dst, rows + row, 0, table, scale, state, part);
+            }
+        }
+    } else if (out == nullptr) {
         for (; row < rowCount; ++row) stream.template operator()<1, false>(row);
-        return;
+    } else {
+        for (; row + kStreamBatch <= rowCount; row += kStreamBatch) {
+            stream.template operator()<kStreamBatch, true>(row);
+        }
+        for (; row < rowCount; ++row) stream.template operator()<1, true>(row);
     }
-    for (; row + kStreamBatch <= rowCount; row += kStreamBatch) {
-        stream.template operator()<kStreamBatch, true>(row);
-    }
-    for (; row < rowCount; ++row) stream.template operator()<1, true>(row);
 }
 
 // The code for a length that only the caller's data knows, or null.

@@ -129,13 +129,14 @@ class BitEngine {
           plan_(spec, 1, 8, sizes_.window(), scratch_.terms, scratch_.weights) {}
 
     void run() {
-        // Pixels of a row that the mask reaches, and of these the first to the last in readable memory.
         from_ = -header_.anchorX;
         to_ = size_.width + header_.rightExtent;
-        readableFrom_ = border_.leftInMemory() ? from_ : 0;
-        readableTo_ = border_.rightInMemory() ? to_ : size_.width;
-        const int64_t firstByte = (src_.phase + readableFrom_) >> 3;
-        const int64_t endByte = ((src_.phase + readableTo_ - 1) >> 3) + 1;
+        const int64_t readableFrom = border_.leftInMemory() ? from_ : 0;
+        const int64_t readableTo = border_.rightInMemory() ? to_ : size_.width;
+        before_ = spanOf(from_, readableFrom);
+        after_ = spanOf(readableTo, to_);
+        const int64_t firstByte = (src_.phase + readableFrom) >> 3;
+        const int64_t endByte = ((src_.phase + readableTo - 1) >> 3) + 1;
         const uint8_t everywhere = value_ ? 0xFF : 0;
         NoWatch none;
         Intake intake({src_.bytes.data + firstByte, src_.bytes.step}, {endByte - firstByte, size_.height},
@@ -166,27 +167,19 @@ class BitEngine {
 
     // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
     void runRectangle(Intake& intake, const Spec::Place& block) {
+        const int last = plan_.planeCount() - 1;
         for (int64_t y = 0; y < size_.height; y += sizes_.blockRows) {
             const int64_t rows = std::min(sizes_.blockRows, size_.height - y);
             intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
-            for (int64_t i = 0; i < rows; ++i) {
-                extendRow(planeRow(0, i));
-                const uint8_t* row = planeRow(0, i);
-                for (int p = 1; p < plan_.planeCount(); ++p) {
-                    const Plan::Plane& plane = plan_.plane(p);
-                    makePlaneRow(plane, plane.source == 0 ? row : planeRow(plane.source, 0), planeRow(p, 0));
-                }
-                const int last = plan_.planeCount() - 1;
-                const int32_t run = plan_.plane(last).run;
-                int count = 0;
-                for (int32_t at = 0;; at += run) {
-                    const bool end = at + run >= block.length;
-                    const int32_t column = block.column + (end ? block.length - run : at);
-                    scratch_.parts[count++] = partAt(last == 0 ? row : planeRow(last, 0), column);
-                    if (end) break;
-                }
-                writeRow(dst_.bytes.row(y + i), count);
+            for (int64_t i = 0; i < rows; ++i) extendRow(planeRow(0, i));
+            for (int p = 1; p <= last; ++p) makePlaneRows(plan_.plane(p), p, 0, rows);
+            int count = 0;
+            const int32_t run = plan_.plane(last).run;
+            for (int32_t at = 0, end = block.length - run;; at += run) {
+                scratch_.parts[count++] = partAt(planeRow(last, 0), block.column + std::min(at, end));
+                if (at >= end) break;
             }
+            writeRows(y, rows, count);
         }
     }
 
@@ -199,13 +192,9 @@ class BitEngine {
             const int64_t rows = std::min(sizes_.blockRows, size_.height - y);
             const int64_t old = y == 0 ? 0 : kept;
             intake.takeRows(y - header_.anchorY + old, old, kept + rows);
-            for (int64_t i = old; i < kept + rows; ++i) {
-                extendRow(planeRow(0, i));
-                for (int p = 1; p < plan_.planeCount(); ++p) {
-                    const Plan::Plane& plane = plan_.plane(p);
-                    makePlaneRow(plane, planeRow(plane.source, i), planeRow(p, i));
-                }
-            }
+            for (int64_t i = old; i < kept + rows; ++i) extendRow(planeRow(0, i));
+            for (int p = 1; p < plan_.planeCount(); ++p)
+                makePlaneRows(plan_.plane(p), p, old, kept + rows - old);
             for (int64_t i = 0; i < rows; i += BitSizes::kTogether)
                 combineColumnsOfTerms(y, i, std::min(BitSizes::kTogether, rows - i), columns);
             for (int p = 0; p < plan_.planeCount(); ++p) {
@@ -223,13 +212,9 @@ class BitEngine {
                                Image<uint8_t>{scratch_.columnRows + c * columnBytes, sizes_.rowBytes},
                                sizes_.rowBytes - kVectorBytes, rows, scratch_.columns[c].terms);
         }
-        for (int64_t r = 0; r < rows; ++r) {
-            for (int32_t c = 0; c < columns; ++c) {
-                scratch_.parts[c] = partAt(scratch_.columnRows + c * columnBytes + r * sizes_.rowBytes,
-                                           scratch_.columns[c].column);
-            }
-            writeRow(dst_.bytes.row(y + first + r), columns);
-        }
+        for (int32_t c = 0; c < columns; ++c)
+            scratch_.parts[c] = partAt(scratch_.columnRows + c * columnBytes, scratch_.columns[c].column);
+        writeRows(y + first, rows, columns);
     }
 
     // Calls visit(column, row of bytes, height) for the plan's terms, shortest first.
@@ -267,36 +252,44 @@ class BitEngine {
 
     // ---- Along a row -------------------------------------------------------------------------------------
 
+    // Pixels of a row of a plane, by the bytes that hold them.
+    struct Span {
+        int64_t first = 0, last = -1;  // bytes; none when last is smaller
+        int firstMask = 0, lastMask = 0;
+
+        void set(uint8_t* row, bool value) const {
+            if (last < first) return;
+            const auto setBits = [&](int64_t byte, int mask) {
+                row[byte] = static_cast<uint8_t>(value ? row[byte] | mask : row[byte] & ~mask);
+            };
+            setBits(first, firstMask);
+            if (last == first) return;
+            std::fill(row + first + 1, row + last, value ? uint8_t{0xFF} : uint8_t{0});
+            setBits(last, lastMask);
+        }
+    };
+    // The pixels from `from` to `to` - 1.
+    Span spanOf(int64_t from, int64_t to) const {
+        if (from >= to) return {};
+        const int64_t first = bitOf(from), last = bitOf(to - 1);
+        Span span{first >> 3, last >> 3, 0xFF >> (first & 7), 0xFF << (7 - (last & 7)) & 0xFF};
+        if (span.first == span.last) span.firstMask &= span.lastMask;
+        return span;
+    }
+    int64_t bitOf(int64_t x) const { return sizes_.margin * 8 + src_.phase + x; }
+
     // Makes the pixels of a row that are not in readable memory.
     void extendRow(uint8_t* row) const {
-        const auto bit = [&](int64_t x) {
-            const int64_t at = sizes_.margin * 8 + src_.phase + x;
-            return (row[at >> 3] >> (7 - (at & 7)) & 1) != 0;
-        };
         const bool replicates = border_.kind() == BorderReplicate;
-        setPixels(row, from_, readableFrom_, replicates ? bit(0) : value_);
-        setPixels(row, readableTo_, to_, replicates ? bit(size_.width - 1) : value_);
-    }
-    void setPixels(uint8_t* row, int64_t from, int64_t to, bool value) const {
-        if (from >= to) return;
-        const int64_t first = sizes_.margin * 8 + src_.phase + from;
-        const int64_t last = sizes_.margin * 8 + src_.phase + to - 1;
-        const auto set = [&](int64_t byte, int mask) {
-            row[byte] = static_cast<uint8_t>(value ? row[byte] | mask : row[byte] & ~mask);
-        };
-        const int firstMask = 0xFF >> (first & 7);
-        const int lastMask = 0xFF << (7 - (last & 7)) & 0xFF;
-        if (first >> 3 == last >> 3) return set(first >> 3, firstMask & lastMask);
-        set(first >> 3, firstMask);
-        std::memset(row + (first >> 3) + 1, value ? 0xFF : 0,
-                    static_cast<size_t>((last >> 3) - (first >> 3) - 1));
-        set(last >> 3, lastMask);
+        const auto pixel = [&](int64_t x) { return (row[bitOf(x) >> 3] >> (7 - (bitOf(x) & 7)) & 1) != 0; };
+        before_.set(row, replicates ? pixel(0) : value_);
+        after_.set(row, replicates ? pixel(size_.width - 1) : value_);
     }
 
     // The part of output words for a column of the mask. Output begins at the destination's first byte,
     // `phase` pixels before the region.
     Part partAt(const uint8_t* row, int32_t column) const {
-        const int64_t at = sizes_.margin * 8 + src_.phase - dst_.phase + column - header_.anchorX;
+        const int64_t at = bitOf(column - header_.anchorX - dst_.phase);
         return {row + (at >> 3), static_cast<int>(at & 7)};
     }
 
@@ -314,67 +307,75 @@ class BitEngine {
         return true;
     }
 
-    // Calls put(vector of bytes, byte) for each whole vector of output, then for one behind the last.
+    // For each of so many rows, of which the parts stand rowBytes apart: calls put(row, byte, vector of
+    // bytes) for the vectors of output that begin before byte `end`.
     template <class Put>
-    static OKPCV_INLINE void combineParts(const Part* parts, int count, int64_t wholeBytes, Put put) {
+    void combineParts(const Part* parts, int count, int64_t rows, int64_t end, Put put) const {
         if (count <= kMostParts && areClose(parts, count)) {
             detail::withCount<1, kMostParts>(count, [&](auto n) OKPCV_INLINE_LAMBDA {
                 int shifts[n];
                 for (int i = 0; i < n; ++i)
                     shifts[i] = static_cast<int>((parts[i].from - parts[0].from) * 8) + parts[i].shift;
-                const uint8_t* const from = parts[0].from;
-                for (int64_t x = 0; x <= wholeBytes; x += kVectorBytes) {
-                    const Vec<Word> words = wordsAt(from + x), next = wordsAt(from + x + sizeof(Word));
-                    Vec<Word> result = shifted(words, next, shifts[0]);
-                    for (int i = 1; i < n; ++i) result = Op::of(result, shifted(words, next, shifts[i]));
-                    put(bitCast<uint8_t>(reverseBytes(result)), x);
+                for (int64_t r = 0; r < rows; ++r) {
+                    const uint8_t* const from = parts[0].from + r * sizes_.rowBytes;
+                    for (int64_t x = 0; x < end; x += kVectorBytes) {
+                        const Vec<Word> words = wordsAt(from + x), next = wordsAt(from + x + sizeof(Word));
+                        Vec<Word> result = shifted(words, next, shifts[0]);
+                        for (int i = 1; i < n; ++i) result = Op::of(result, shifted(words, next, shifts[i]));
+                        put(r, x, bitCast<uint8_t>(reverseBytes(result)));
+                    }
                 }
             });
             return;
         }
-        for (int64_t x = 0; x <= wholeBytes; x += kVectorBytes) {
-            Vec<Word> result = broadcast(Op::template identity<Word>);
-            for (int i = 0; i < count; ++i) {
-                const uint8_t* const p = parts[i].from + x;
-                result = Op::of(result, shifted(wordsAt(p), wordsAt(p + sizeof(Word)), parts[i].shift));
+        for (int64_t r = 0; r < rows; ++r) {
+            for (int64_t x = 0; x < end; x += kVectorBytes) {
+                Vec<Word> result = broadcast(Op::template identity<Word>);
+                for (int i = 0; i < count; ++i) {
+                    const uint8_t* const p = parts[i].from + r * sizes_.rowBytes + x;
+                    result = Op::of(result, shifted(wordsAt(p), wordsAt(p + sizeof(Word)), parts[i].shift));
+                }
+                put(r, x, bitCast<uint8_t>(reverseBytes(result)));
             }
-            put(bitCast<uint8_t>(reverseBytes(result)), x);
         }
     }
 
-    // A row of a plane: runs of a length from those of its source.
-    void makePlaneRow(const Plan::Plane& plane, const uint8_t* source, uint8_t* row) const {
+    // Rows of a plane: runs of a length from those of its source.
+    void makePlaneRows(const Plan::Plane& plane, int p, int64_t row, int64_t rows) const {
+        // From the first pixel that the mask reaches to the last that begins a run.
+        const int64_t first = bitOf(from_) >> 3;
+        const int64_t end = (bitOf(to_ - plane.run) >> 3) + 1;
         Part parts[kMostParts];
         for (int i = 0; i < plane.parts; ++i) {
             const int64_t at = plane.steps[i].offset;
-            parts[i] = {source + (at >> 3), static_cast<int>(at & 7)};
+            parts[i] = {planeRow(plane.source, row) + first + (at >> 3), static_cast<int>(at & 7)};
         }
-        // From the first pixel that the mask reaches to the last that begins a run.
-        const int64_t first = (sizes_.margin * 8 + src_.phase + from_) >> 3;
-        const int64_t end = (sizes_.margin * 8 + src_.phase + to_ - plane.run) >> 3;
-        for (int i = 0; i < plane.parts; ++i) parts[i].from += first;
-        combineParts(parts, plane.parts, end - first,
-                     [&](Vec<uint8_t> v, int64_t x) OKPCV_INLINE_LAMBDA { store(row + first + x, v); });
+        uint8_t* const to = planeRow(p, row) + first;
+        combineParts(parts, plane.parts, rows, end - first,
+                     [&](int64_t r, int64_t x, Vec<uint8_t> v)
+                         OKPCV_INLINE_LAMBDA { store(to + r * sizes_.rowBytes + x, v); });
     }
 
-    // A row of the destination from scratch_.parts.
-    void writeRow(uint8_t* row, int count) const {
+    // Rows of the destination from scratch_.parts.
+    void writeRows(int64_t y, int64_t rows, int count) const {
         const int64_t bits = dst_.phase + size_.width;
         const int64_t wholeBytes = bits / 8 / kVectorBytes * kVectorBytes;
-        const uint8_t head = row[0];
-        combineParts(scratch_.parts, count, wholeBytes, [&](Vec<uint8_t> v, int64_t x) OKPCV_INLINE_LAMBDA {
-            if (x < wholeBytes) {
-                store(row + x, v);
-            } else {
-                writeRest(row + x, v, static_cast<int>(bits - x * 8));
-            }
-        });
         const int headMask = 0xFF >> dst_.phase;
-        row[0] = static_cast<uint8_t>((head & ~headMask) | (row[0] & headMask));
+        uint8_t head = 0;
+        combineParts(scratch_.parts, count, rows, (bits + 7) / 8,
+                     [&](int64_t r, int64_t x, Vec<uint8_t> v) OKPCV_INLINE_LAMBDA {
+                         uint8_t* const row = dst_.bytes.row(y + r);
+                         if (x == 0) head = row[0];
+                         if (x < wholeBytes) {
+                             store(row + x, v);
+                         } else {
+                             writeRest(row + x, v, static_cast<int>(bits - x * 8));
+                         }
+                         if (x == 0) row[0] = static_cast<uint8_t>((head & ~headMask) | (row[0] & headMask));
+                     });
     }
     // Less than a vector; the bits of the last byte that are not of the region stay.
     static void writeRest(uint8_t* to, Vec<uint8_t> v, int bits) {
-        if (bits == 0) return;
         const int bytes = bits / 8;
         store(to, v, okpcv::Part{bytes});
         if (bits % 8 == 0) return;
@@ -394,7 +395,8 @@ class BitEngine {
     BitSizes sizes_;
     BitScratch scratch_;
     Plan plan_;
-    int64_t from_ = 0, to_ = 0, readableFrom_ = 0, readableTo_ = 0;
+    int64_t from_ = 0, to_ = 0;  // pixels of a row that the mask reaches
+    Span before_, after_;        // those that are not in readable memory
 };
 
 }  // namespace okpcv::morph

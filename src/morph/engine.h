@@ -270,6 +270,7 @@ class Engine {
     }
     template <int kChannels>
     static OKPCV_INLINE void repeat(Cell* to, const Cell* pixel, int64_t count) {
+        if (count == 0) return;  // the pixel may not be in the strip
         Cell value[kChannels];
         for (int c = 0; c < kChannels; ++c) value[c] = pixel[c];
         for (int64_t x = 0; x < count; ++x) {

@@ -6,6 +6,7 @@
 // so that the blocks of any mask fit the size that the queries report.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -144,13 +145,17 @@ inline Slant findSlant(const MaskView& view) {
 }
 
 // The blocks and the cost of applying them, in quarters of a load per vector: four rows of output share the
-// rows of a tall block, and a length other than 1 needs a pass of its own.
+// rows of a tall block, and each length other than 1 needs a pass, which costs about two loads.
 struct Cost {
-    int64_t blocks = 0, quarterLoads = 0;
+    int64_t blocks = 0, loads = 0;
+    uint64_t lengths = 0;  // a bit for each that occurs; one for all long ones
+
     void add(int64_t length, int64_t height) {
         ++blocks;
-        quarterLoads += height + 3 + (length > 1 ? 4 : 0);
+        loads += height + 3;
+        if (length > 1) lengths |= uint64_t{1} << (length < 63 ? length : 63);
     }
+    int64_t quarterLoads() const { return loads + 8 * std::popcount(lengths); }
 };
 
 }  // namespace detail
@@ -186,7 +191,8 @@ inline void initSpec(void* memory, const uint8_t* mask, int32_t maskWidth, int32
     if (const detail::Slant slant = detail::findSlant(byRows); slant.height > 1) {
         add(slant.row, slant.column, slant.length, slant.height);
         header.slope = static_cast<int32_t>(slant.slope);
-    } else if (columnsCost.quarterLoads < rowsCost.quarterLoads && columnsCost.blocks <= rowsCost.blocks) {
+    } else if (columnsCost.quarterLoads() < rowsCost.quarterLoads() &&
+               columnsCost.blocks <= rowsCost.blocks) {
         // Not more blocks than there are runs of rows, for which there is room.
         detail::visitBlocks(byColumns, [&](int64_t column, int64_t row, int64_t height, int64_t length) {
             add(row, column, length, height);

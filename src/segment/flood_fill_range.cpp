@@ -57,7 +57,7 @@ int64_t stackLimit(RoiSize size) {
     return entries == 0 ? INT64_MAX : entries == 1 ? 0 : entries;
 }
 
-// False only where the size query's number wraps; then no more than the seed's run is filled.
+// False only where the size query's number wraps.
 bool mapFits(RoiSize size) {
     return PixelMap::words(size) < int64_t{fillBufferBytes(size)} / int64_t{sizeof(uint64_t)};
 }
@@ -118,6 +118,7 @@ okpStatus floodFillRange(Image<T, C> image, RoiSize size, PixelPoint seed, const
         const InInterval<T, C> rule(image, size.width, members);
         filled = fillMapped<kConnectivity>(image, size, seed, rule, newValue, pBuffer, bytes, limit);
     } else {
+        // No stack: only the seed's run.
         ValueRegion region(image, size.width, members, newValue);
         SegmentStack stack(pBuffer, 0);
         filled = scanFill<kConnectivity>(size, seed, stack, region);

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <utility>
 
 #include "core/area.h"
 #include "core/cache.h"

@@ -92,12 +92,15 @@ class PixelMap {
     int32_t top_, bottom_;
 };
 
-// Rule says what belongs to the region, as bits of up to kLanes pixels:
-//     follow(y, x, fromX, count)              which of the pixels (x, y), (x + 1, y), ... belong when their
-//                                             neighbours (fromX, y), (fromX + 1, y), ... do
-//     allFollow(y, x, fromX)                  whether all of kUnrolled * kLanes pixels do
-//     reached(y, x, count, fromRow, from)     which belong as the pixels `from` of the row beside them do
-//     kRejectedBeyond                         as for scanFill()
+// The rule says what belongs to the region, as bits of up to kLanes pixels:
+//     follow(y, x, fromX, count)
+//         Which of the pixels (x, y), (x + 1, y), ... belong when their neighbours (fromX, y), ... do.
+//     allFollow(y, x, fromX)
+//         Whether kUnrolled * kLanes pixels all do.
+//     reached(y, x, count, fromRow, from)
+//         Which belong when the pixels `from` of the row beside them do.
+//     kRejectedBeyond
+//         As for scanFill().
 template <class Rule>
 class MappedRegion {
   public:

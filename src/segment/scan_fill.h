@@ -96,15 +96,15 @@ struct FilledRegion {
     }
 };
 
-// Fills from the seed. The region takes pixels:
-//     seedRun(seed)                             takes the seed and its run, and returns the run
-//     takeRuns(row, span, fromRow, from, found) takes the runs of `row` that reach into `span` and are
-//     reached
-//                                               from the pixels `from` of `fromRow`; calls found(run) for
-//                                               each
-//     kRejectedBeyond                           how many pixels beyond either end of a run are known to be no
-//                                               part of the region
-// The order of the calls is part of the contract: the result of a gradient fill depends on it.
+// Fills from the seed. What a region has to offer:
+//     Span seedRun(seed)
+//         Takes the seed and its run.
+//     takeRuns(row, where, fromRow, from, found)
+//         Takes the runs of `row` that begin in `where` and are reached from the pixels `from` of `fromRow`,
+//         the row beside it. Calls found(run) for each.
+//     kRejectedBeyond
+//         How many pixels beyond either end of a run are known to be no part of the region.
+// The order of the searches is part of the contract: the result of a gradient fill depends on it.
 template <Connectivity kConnectivity, class Region>
 FilledRegion scanFill(RoiSize size, PixelPoint seed, SegmentStack& stack, Region& region) {
     const int32_t lastColumn = size.width - 1;
