@@ -89,7 +89,8 @@ void produceColumns(T* out, const T* row, int64_t width, int64_t from, int64_t t
         for (; x < end; ++x) {
             const int64_t source = border.column(x, width);
             const T* const pixel = source == Border::kValue ? value : row + source * Channels;
-            for (int c = 0; c < Channels; ++c) *out++ = pixel[c];
+            std::memcpy(out, pixel, sizeof(T) * Channels);
+            out += Channels;
         }
     };
     const int64_t insideFrom = from < 0 ? 0 : from < width ? from : width;
