@@ -1,6 +1,7 @@
 /**
  * @file filter.h
- * @brief Linear filters: separable filters with the caller's kernels, and their two halves.
+ * @brief Linear filters: separable filters with the caller's kernels, and their two halves; Gaussian filters;
+ * derivative kernels, gradients, and filters with fixed masks.
  */
 #ifndef OKPCV_FILTER_H
 #define OKPCV_FILTER_H
@@ -1395,6 +1396,185 @@ OKPCV_API okpStatus okpiGradientColorToGray_16u_C3C1R(const uint16_t* pSrc, int3
  */
 OKPCV_API okpStatus okpiGradientColorToGray_32f_C3C1R(const float* pSrc, int32_t srcStep, float* pDst,
                                                       int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/** @} */
+
+/**
+ * @defgroup fixed_masks Filters with fixed masks
+ * @brief Means, mixed second derivatives and Laplacians over 3 x 3 or 5 x 5 pixels.
+ *
+ * With the binomial kernels of okpiGenSobelKernel_16s(), smoothing @f$ s @f$, first derivative @f$ d @f$ and
+ * second derivative @f$ e @f$:
+ *
+ * | mask | @f$ s @f$ | @f$ d @f$ | @f$ e @f$ |
+ * |---|---|---|---|
+ * | #MaskSize3x3 | 1 2 1 | -1 0 1 | 1 -2 1 |
+ * | #MaskSize5x5 | 1 4 6 4 1 | -1 -2 0 2 1 | 1 0 -2 0 1 |
+ *
+ * The kernels are not flipped: derivatives are positive where values grow to the right (`dx`) and downwards
+ * (`dy`). This holds for all derivatives of the library.
+ *
+ * Results are saturated to their type; those of 8-bit images are exact integers that fit it. Sums of floats
+ * are rounded to single precision one by one, in the order that each function states; a zero that results is
+ * positive. Results are the same bit for bit at every width, step and alignment.
+ * @{
+ */
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLowpassBorder_8u_C1R().
+ *
+ * Depends on the region's width and the mask only: a buffer serves every region that is not wider.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  mask        #MaskSize3x3 or #MaskSize5x5.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadMaskKind: another mask;
+ *         - #okpStatusSizeTooLarge: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterLowpassGetBufferSize_8u_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                          int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLowpassBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLowpassGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                           int32_t* pBufferSize);
+
+/**
+ * @brief Mean of the pixels around each pixel of an 8-bit image.
+ *
+ * @f$ dst = \lfloor \Sigma / n^2 + 1/2 \rfloor @f$ for the sum @f$ \Sigma @f$ of the
+ * @f$ n \times n @f$ pixels, @f$ n = 3 @f$ or 5.
+ *
+ * @param[in]  pSrc        First pixel of the source's region.
+ * @param[in]  srcStep     Bytes from one source row to the next.
+ * @param[out] pDst        First pixel of the destination's region; must not overlap the source.
+ * @param[in]  dstStep     Bytes from one destination row to the next.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  mask        #MaskSize3x3 or #MaskSize5x5.
+ * @param[in]  borderType  Pixels outside the region: #BorderReplicate, #BorderMirror or #BorderConstant, each
+ *                         with any side flags, or #BorderInMemory. On a side in memory as many pixels as the
+ *                         mask reaches, 1 or 2, must be readable beyond the region.
+ * @param[in]  borderValue Value of the constant border; ignored for other kinds.
+ * @param      pBuffer     Work buffer of the size that the function's size query reports for the region or a
+ *                         wider one.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: an image or the buffer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadStep: a step is smaller than a row of its image;
+ *         - #okpStatusStepNotMultiple: of float images only, a step is no multiple of 4;
+ *         - #okpStatusBadBorder: another border;
+ *         - #okpStatusBadMaskKind: another mask.
+ */
+OKPCV_API okpStatus okpiFilterLowpassBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                   int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                   BorderKind borderType, uint8_t borderValue, void* pBuffer);
+
+/**
+ * @brief Mean of the pixels around each pixel of a float image.
+ *
+ * Each row of the mask is summed from left to right, the rows' sums from top to bottom, and the whole is
+ * divided by 9 or 25.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLowpassBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                    int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                    BorderKind borderType, float borderValue, void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterSobelCrossBorder_8u16s_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossGetBufferSize_8u16s_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                                int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterSobelCrossBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                              int32_t* pBufferSize);
+
+/**
+ * @brief Mixed second derivative of an 8-bit image.
+ *
+ * @f$ dst(x, y) = \sum_j d_j \sum_i d_i \, src(x + i, y + j) @f$ with the first derivative of the mask,
+ * unscaled: positive where an image grows to the lower right and the upper left.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossBorder_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                         BorderKind borderType, uint8_t borderValue,
+                                                         void* pBuffer);
+
+/**
+ * @brief Mixed second derivative of a float image.
+ *
+ * @f$ dst(x, y) = \sum_j d_j \sum_i d_i \, src(x + i, y + j) @f$ with the first derivative of the mask,
+ * unscaled, both sums in the kernel's order: of finite pixels, the result of okpiFilterSeparable_32f_C1R()
+ * with the kernel of okpiGenSobelKernel_32f() for rows and columns.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                       int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                       BorderKind borderType, float borderValue,
+                                                       void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLaplacianBorder_8u16s_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianGetBufferSize_8u16s_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                               int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLaplacianBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                             int32_t* pBufferSize);
+
+/**
+ * @brief Laplacian of an 8-bit image.
+ *
+ * The sum of the second derivatives along rows and columns, each smoothed across, unscaled:
+ * @f$ dst(x, y) = \sum_{i,j} (s_j e_i + e_j s_i) \, src(x + i, y + j) @f$, negative at bright spots. So the
+ * masks are
+ *
+ *     2  0  2         2  4   4  4  2
+ *     0 -8  0         4  0  -8  0  4
+ *     2  0  2         4 -8 -24 -8  4
+ *                     4  0  -8  0  4
+ *                     2  4   4  4  2
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianBorder_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                        int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                        BorderKind borderType, uint8_t borderValue,
+                                                        void* pBuffer);
+
+/**
+ * @brief Laplacian of a float image.
+ *
+ * The masks are those of okpiFilterLaplacianBorder_8u16s_C1R(). The five or three rows of half the mask are
+ * added from top to bottom, and the whole is doubled. Of pixels @f$ a, b, c, d, e @f$ these rows are, for
+ * 3 x 3, @f$ a + c @f$ and @f$ -4b @f$; for 5 x 5, with @f$ p = a + e @f$ and @f$ q = b + d @f$,
+ * @f$ p + 2(q + c) @f$, @f$ r = 2p - 4c @f$ and @f$ r - 4(q + 2c) @f$.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                      BorderKind borderType, float borderValue,
+                                                      void* pBuffer);
 
 /** @} */
 
