@@ -211,7 +211,8 @@ OKPCV_API okpStatus okpiPyramidInit_L(PyramidRecordL** pyramid, int32_t level, R
  * meet, which of them results is not defined.
  *
  * Smooth images come back: where the second differences of an 8-bit image stay below about a quarter, Up of
- * Down with the binomial kernel at rate 2 differs from it by 1 at most.
+ * Down with the binomial kernel at rate 2 differs from it by 1 at most. Across the edges it must be level:
+ * reflection flattens slopes there.
  *
  * Use, for one step of a Laplacian pyramid:
  *

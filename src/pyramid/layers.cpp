@@ -51,16 +51,10 @@ LayerAreas layOutSpec(Area& area, int64_t kernelSize) {
 }
 
 // The work buffer serves either path, so its size is that of the larger one.
-template <class S>
-OctaveLines<OctaveSum<S>> layOutOctaveBuffer(Area& area, int channels, int64_t width) {
-    int64_t elements = 0;
-    if (!multiplyChecked(width, channels, elements)) elements = -1;
-    return layOutOctave<OctaveSum<S>>(area, elements);
-}
 template <class Layer, class S, int Channels>
 bool bufferBytes(Size size, float rate, int32_t kernelSize, int64_t& bytes) {
     Area octave, any;
-    layOutOctaveBuffer<S>(octave, Channels, size.width);
+    layOutOctave<OctaveSum<S>>(octave, Channels, size.width, Layer::phases);
     layOutResample<S>(any, Channels, size.width, Layer::largest(size.width, rate), kernelSize, Layer::phases);
     bytes = octave.bytes() > any.bytes() ? octave.bytes() : any.bytes();
     return octave.fits() && any.fits();
@@ -161,7 +155,7 @@ okpStatus layer(Image<const S, Channels> src, Size srcSize, Image<S, Channels> d
 
     Area buffer(pBuffer);
     if (spec.isOctave) {
-        const auto lines = layOutOctaveBuffer<S>(buffer, Channels, srcSize.width);
+        const auto lines = layOutOctave<OctaveSum<S>>(buffer, Channels, srcSize.width, Layer::phases);
         if constexpr (Layer::phases == 1) {
             octaveDown<S, Channels>(src, srcSize, dst, dstSize, lines);
         } else {
