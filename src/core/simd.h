@@ -243,6 +243,14 @@ OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
     }
 }
 
+// Half a vector from each of two addresses.
+template <class T>
+OKPCV_INLINE Vec<T> loadHalves(const T* low, const T* high) {
+    const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
+    return bitCast<T>(
+        Vec<double>{_mm_loadh_pd(_mm_castsi128_pd(first), reinterpret_cast<const double*>(high))});
+}
+
 // Orders the streaming stores before it against whatever the caller does next.
 OKPCV_INLINE void finishStreaming() {
     _mm_sfence();
@@ -795,6 +803,17 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
     }
     return bitCast<T>(Vec<int32_t>{z});
 }
+// Lanes 0, 2, 4, ... (1, 3, 5, ... for the second form) of the sequence a, b.
+template <class T>
+OKPCV_INLINE Vec<T> evenLanes(Vec<T> a, Vec<T> b) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<float>{_mm_shuffle_ps(bitCast<float>(a).raw, bitCast<float>(b).raw, 0x88)});
+}
+template <class T>
+OKPCV_INLINE Vec<T> oddLanes(Vec<T> a, Vec<T> b) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<float>{_mm_shuffle_ps(bitCast<float>(a).raw, bitCast<float>(b).raw, 0xDD)});
+}
 // The bytes of each lane in the opposite order.
 template <class T>
 OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
@@ -940,6 +959,16 @@ constexpr auto channelShuffles() {
 }
 
 }  // namespace detail
+
+// The lanes without every fourth, moved together; zeros behind them.
+template <class T>
+OKPCV_INLINE Vec<T> dropFourthLanes(Vec<T> a) {
+    static constexpr auto kept = detail::shuffleFrom(0, [](int i) {
+        constexpr int e = sizeof(T);
+        return i < 12 ? (i / e / 3 * 4 + i / e % 3) * e + i % e : detail::kNowhere;
+    });
+    return bitCast<T>(Vec<int32_t>{detail::shuffled(bitCast<int32_t>(a).raw, kept)});
+}
 
 // Splits interleaved triples: with p the sequence in0, in1, in2, channel c is p[c], p[c + 3], p[c + 6], ...
 template <class T>
