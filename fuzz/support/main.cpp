@@ -1,0 +1,8 @@
+// The entry of every fuzzer: the first bytes of the input choose the export.
+#include "support/fuzz.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t count) {
+    fuzz::Data data(bytes, count);
+    fuzz::family.shapes[data.between<size_t>(0, fuzz::family.count - 1)](data);
+    return 0;
+}
