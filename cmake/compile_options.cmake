@@ -11,8 +11,9 @@ function(okpcv_common_options target)
     # Little optimisation, and no check that an address does not wrap, because either would double the time that
     # the compiler takes.
     target_compile_options(${target} PRIVATE
-      -fsanitize=${OKPCV_SANITIZE} -fno-sanitize=pointer-overflow -fno-sanitize-recover=all
-      -fno-omit-frame-pointer -g1 -O1)
+      -O1 -g1 -fsanitize=${OKPCV_SANITIZE} -fno-sanitize=pointer-overflow -fno-sanitize-recover=all
+      -fno-omit-frame-pointer)
+    target_compile_definitions(${target} PRIVATE OKPCV_SANITIZED)
     target_link_options(${target} PRIVATE -fsanitize=${OKPCV_SANITIZE})
   endif()
   if(OKPCV_COVERAGE)

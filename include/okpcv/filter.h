@@ -1,6 +1,7 @@
 /**
  * @file filter.h
- * @brief Linear filters: separable filters with the caller's kernels, and their two halves.
+ * @brief Linear filters: separable filters with the caller's kernels, and their two halves; Gaussian filters;
+ * derivative kernels, gradients, and filters with fixed masks.
  */
 #ifndef OKPCV_FILTER_H
 #define OKPCV_FILTER_H
@@ -945,6 +946,635 @@ OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C1R(RoiSize roiSiz
  */
 OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C3R(RoiSize roiSize, int32_t kernelSize,
                                                                   int32_t* pBufferSize);
+
+/** @} */
+
+/**
+ * @defgroup gaussian Gaussian filters
+ * @brief Smoothing with a square Gaussian kernel of odd size.
+ *
+ * The kernel of size @f$ K @f$ has @f$ h = \lfloor K / 2 \rfloor @f$ taps on each side of its centre, and
+ *
+ * @f[ w_i = e^{-i^2 / (2 \sigma^2)}, \qquad S = \sum_{i=-h}^{h} w_i, \qquad
+ *     R(x, y) = C\Bigl( \sum_{i=-h}^{h} k_i \, src(x + i, y) \Bigr), \qquad
+ *     dst(x, y) = C\Bigl( \sum_{j=-h}^{h} k_j \, R(x, y + j) \Bigr). @f]
+ *
+ * The weights are computed once, by okpiFilterGaussianInit(), in single precision: @f$ q = 1 / (\sigma
+ * \sigma) @f$, then `expf(i * 0.5 * -i * q)`. Where the square of @f$ \sigma @f$ is too small for @f$ q @f$
+ * to be finite, the centre has the weight 1 and all other taps 0.
+ *
+ * | images | coefficient @f$ k_i @f$ | @f$ C @f$ |
+ * |---|---|---|
+ * | 8u | @f$ \lfloor 4096 w_i / S + 1/2 \rfloor @f$ | @f$ \lfloor s / 4096 + 1/2 \rfloor @f$, saturated |
+ * | 16s | @f$ \lfloor 32768 w_i / S + 1/2 \rfloor @f$, at most 32767 | @f$ \lfloor s / 32768 + 1/2 \rfloor
+ * @f$, saturated |
+ * | 16u | @f$ \lfloor 32768 w_i / S + 1/2 \rfloor @f$ | the same |
+ * | 32f | @f$ w_i / S @f$ | none |
+ *
+ * Integer images are filtered in exact integer arithmetic, and the row pass's results have the pixels' type
+ * too; rounded coefficients need not sum to exactly 1. Float images are filtered in single precision: the
+ * centre's product first, then from the centre outwards each product of a coefficient and the sum of the two
+ * elements that share it. Results are the same bit for bit at every width, step and alignment. Where NaNs
+ * meet, which of them results is not defined.
+ *
+ * Rows of a constant border stand between the passes as @f$ C(v \sum k_i) @f$ of the border value @f$ v @f$.
+ *
+ * Use: ask okpiFilterGaussianGetSpecSize() and okpiFilterGaussianGetBufferSize() how much memory is needed,
+ * fill the spec with okpiFilterGaussianInit() once, then filter any number of times. A spec must not be moved
+ * or copied. Filtering only reads it, so calls that run at the same time may share it, each with a buffer of
+ * its own.
+ *
+ * A spec begins with five 32-bit integers: kernel size, 20, data type, border kind and fraction bits (12 for
+ * 8u, 15 for 16u and 16s, 0 for 32f). The coefficients, 16-bit integers or floats, follow at the next 16-byte
+ * boundary in memory. Behind them, at a 64-byte boundary, stand four 32-bit integers, kernel size, 64, data
+ * type and 0, and at the next 64-byte boundary the half kernel as floats: @f$ w_h / S, ..., w_1 / S, 1 / S
+ * @f$.
+ * @{
+ */
+
+/**
+ * @brief Bytes of a spec and of the memory that filling it takes.
+ *
+ * @param[in]  kernelSize      Size of the kernel: odd, at least 3.
+ * @param[in]  dataType        Type of the images: #DataType8u, #DataType16u, #DataType16s or #DataType32f.
+ * @param[in]  numChannels     Channels of the images: 1 or 3.
+ * @param[out] pSpecSize       Receives the number of bytes of the spec; they need no alignment.
+ * @param[out] pInitBufferSize Receives the number of bytes of the buffer of okpiFilterGaussianInit().
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a result pointer is null;
+ *         - #okpStatusBadArgument: the kernel size is even or below 3;
+ *         - #okpStatusBadDataType: another type of image;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusSizeTooLarge: a number of bytes does not fit its result.
+ */
+OKPCV_API okpStatus okpiFilterGaussianGetSpecSize(int32_t kernelSize, DataTypeCode dataType,
+                                                  int32_t numChannels, int32_t* pSpecSize,
+                                                  int32_t* pInitBufferSize);
+
+/**
+ * @brief Bytes of a spec and of the memory that filling it takes, as 64-bit counts.
+ * @copydetails okpiFilterGaussianGetSpecSize
+ */
+OKPCV_API okpStatus okpiFilterGaussianGetSpecSize_L(int32_t kernelSize, DataTypeCode dataType,
+                                                    int32_t numChannels, int64_t* pSpecSize,
+                                                    int64_t* pInitBufferSize);
+
+/**
+ * @brief Bytes of a work buffer.
+ *
+ * The number serves every region that is not wider, whatever its height, every border kind, and filtering in
+ * place; it also serves okpiFilterGaussianInit().
+ *
+ * @param[in]     roiSize     Size of the region in pixels.
+ * @param[in]     kernelSize  Size of the kernel: odd, at least 3.
+ * @param[in]     dataType    Type of the images: #DataType8u, #DataType16u, #DataType16s or #DataType32f.
+ * @param[in]     numChannels Channels of the images: 1 or 3.
+ * @param[in,out] pSpecSize   The size of the spec, to which the size of its half-kernel record is added. The
+ *                            spec needs no more than okpiFilterGaussianGetSpecSize() reports.
+ * @param[out]    pBufferSize Receives the number of bytes of the buffer; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a result pointer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadArgument: the kernel size is even or below 3;
+ *         - #okpStatusBadDataType: another type of image;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusSizeTooLarge: a number of bytes does not fit its result.
+ */
+OKPCV_API okpStatus okpiFilterGaussianGetBufferSize(RoiSize roiSize, int32_t kernelSize,
+                                                    DataTypeCode dataType, int32_t numChannels,
+                                                    int32_t* pSpecSize, int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer, for 64-bit region sizes and as 64-bit counts.
+ * @copydetails okpiFilterGaussianGetBufferSize
+ */
+OKPCV_API okpStatus okpiFilterGaussianGetBufferSize_L(RoiSizeL roiSize, int32_t kernelSize,
+                                                      DataTypeCode dataType, int32_t numChannels,
+                                                      int64_t* pSpecSize, int64_t* pBufferSize);
+
+/**
+ * @brief Fills a spec.
+ *
+ * @param[in]  roiSize     Size of the region in pixels. Only checked: the spec serves regions of any size.
+ * @param[in]  kernelSize  Size of the kernel: odd, at least 3.
+ * @param[in]  sigma       Standard deviation in pixels, greater than 0.
+ * @param[in]  borderType  Border of the `okpiFilterGaussianBorder` functions: #BorderReplicate, #BorderMirror
+ *                         or #BorderConstant, each with any side flags, or #BorderInMemory.
+ * @param[in]  dataType    Type of the images: #DataType8u, #DataType16u, #DataType16s or #DataType32f.
+ * @param[in]  numChannels Channels of the images: 1 or 3.
+ * @param[out] pSpec       Spec, of the size that okpiFilterGaussianGetSpecSize() reports.
+ * @param      pInitBuffer Scratch memory of the size that the same function reports.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: a pointer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadArgument: the kernel size is even or below 3;
+ *         - #okpStatusBadDataType: another type of image;
+ *         - #okpStatusBadNumChannels: another number of channels;
+ *         - #okpStatusBadArgument: sigma is not greater than 0, or NaN;
+ *         - #okpStatusBadBorder: another border.
+ */
+OKPCV_API okpStatus okpiFilterGaussianInit(RoiSize roiSize, int32_t kernelSize, float sigma,
+                                           BorderKind borderType, DataTypeCode dataType, int32_t numChannels,
+                                           void* pSpec, void* pInitBuffer);
+
+/**
+ * @brief Fills a spec, for 64-bit region sizes.
+ * @copydetails okpiFilterGaussianInit
+ */
+OKPCV_API okpStatus okpiFilterGaussianInit_L(RoiSizeL roiSize, int32_t kernelSize, float sigma,
+                                             BorderKind borderType, DataTypeCode dataType,
+                                             int32_t numChannels, void* pSpec, void* pInitBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of one channel, with the border of the call.
+ *
+ * Destinations as large as the caches or larger (counted in bytes of the region's rows, from 512 KiB on) are
+ * stored past the caches where their step is a multiple of 16; the results are the same.
+ *
+ * @param[in]  pSrc        First pixel of the source's region.
+ * @param[in]  srcStep     Bytes from one source row to the next.
+ * @param[out] pDst        First pixel of the destination's region; may be the source with the same step.
+ * @param[in]  dstStep     Bytes from one destination row to the next.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  borderType  Pixels outside the region: #BorderReplicate, #BorderMirror or #BorderConstant, each
+ *                         with any side flags, or #BorderInMemory. On a side in memory
+ *                         @f$ \lfloor K / 2 \rfloor @f$ pixels must be readable beyond the region.
+ * @param[in]  borderValue Value of the constant border, for three channels one per channel; not read for
+ *                         other kinds.
+ * @param[in]  pSpec       Spec, filled for this type of image.
+ * @param      pBuffer     Work buffer of the size that okpiFilterGaussianGetBufferSize() reports for the
+ *                         region or a wider one.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: an image, the spec or the buffer is null;
+ *         - #okpStatusBadStep: a step is not positive;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadArgument: the spec's kernel size is even or below 3, as in a spec of zero bytes;
+ *         - #okpStatusBadDataType: the spec was filled for another type of image;
+ *         - #okpStatusBadBorder: another border;
+ *         - #okpStatusNullPointer: no values for a constant border of several channels;
+ *         - #okpStatusSizeTooLarge: the region is too wide for 64-bit arithmetic.
+ */
+OKPCV_API okpStatus okpiFilterGaussian_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                              int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                              uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of one channel, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_8u_C1R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                uint8_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of three channels, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_8u_C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                              int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                              const uint8_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of three channels, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_8u_C3R_L(const uint8_t* pSrc, int64_t srcStep, uint8_t* pDst,
+                                                int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                const uint8_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of one channel, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16u_C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of one channel, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16u_C1R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 uint16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of three channels, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16u_C3R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const uint16_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of three channels, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16u_C3R_L(const uint16_t* pSrc, int64_t srcStep, uint16_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const uint16_t* borderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of one channel, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of one channel, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16s_C1R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 int16_t borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of three channels, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16s_C3R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const int16_t* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of three channels, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_16s_C3R_L(const int16_t* pSrc, int64_t srcStep, int16_t* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const int16_t* borderValue, const void* pSpec,
+                                                 void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of one channel, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of one channel, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_32f_C1R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 float borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of three channels, with the border of the call.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_32f_C3R(const float* pSrc, int32_t srcStep, float* pDst,
+                                               int32_t dstStep, RoiSize roiSize, BorderKind borderType,
+                                               const float* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of three channels, with 64-bit sizes and steps.
+ * @copydetails okpiFilterGaussian_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussian_32f_C3R_L(const float* pSrc, int64_t srcStep, float* pDst,
+                                                 int64_t dstStep, RoiSizeL roiSize, BorderKind borderType,
+                                                 const float* borderValue, const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of one channel, with the border of the spec.
+ *
+ * As okpiFilterGaussian_8u_C1R(), except that pixels outside the region are those of the border kind that
+ * okpiFilterGaussianInit() recorded.
+ *
+ * @param[in]  pSrc        First pixel of the source's region.
+ * @param[in]  srcStep     Bytes from one source row to the next.
+ * @param[out] pDst        First pixel of the destination's region; may be the source with the same step.
+ * @param[in]  dstStep     Bytes from one destination row to the next.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  borderValue Value of the constant border, for three channels one per channel; not read for
+ *                         other kinds.
+ * @param[in]  pSpec       Spec, filled for this type of image.
+ * @param      pBuffer     Work buffer of the size that okpiFilterGaussianGetBufferSize() reports for the
+ *                         region or a wider one.
+ * @return The statuses of okpiFilterGaussian_8u_C1R(), in the same order.
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                    int32_t dstStep, RoiSize roiSize, uint8_t borderValue,
+                                                    const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an 8-bit image of three channels, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_8u_C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                    int32_t dstStep, RoiSize roiSize,
+                                                    const uint8_t* borderValue, const void* pSpec,
+                                                    void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of one channel, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_16u_C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, uint16_t borderValue,
+                                                     const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of an unsigned 16-bit image of three channels, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_16u_C3R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize,
+                                                     const uint16_t* borderValue, const void* pSpec,
+                                                     void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of one channel, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, int16_t borderValue,
+                                                     const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a signed 16-bit image of three channels, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_16s_C3R(const int16_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize,
+                                                     const int16_t* borderValue, const void* pSpec,
+                                                     void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of one channel, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, float borderValue,
+                                                     const void* pSpec, void* pBuffer);
+
+/**
+ * @brief Gaussian filter of a float image of three channels, with the border of the spec.
+ * @copydetails okpiFilterGaussianBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterGaussianBorder_32f_C3R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                     int32_t dstStep, RoiSize roiSize,
+                                                     const float* borderValue, const void* pSpec,
+                                                     void* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup derivatives Derivative kernels and gradients
+ * @brief Kernels of binomial derivatives, and the reduction of a three-channel gradient to one channel.
+ * @{
+ */
+
+/**
+ * @brief One-dimensional kernel of a smoothed derivative, in 16-bit integers.
+ *
+ * The coefficients of @f$ (1 + z)^{n - d - 1} (1 - z)^d @f$ for a kernel of @f$ n @f$ taps and order
+ * @f$ d @f$, ordered for filters that do not flip their kernels: 1 2 1 for @f$ n = 3, d = 0 @f$; -1 0 1 for
+ * @f$ d = 1 @f$, positive where values grow; 1 -2 1 for @f$ d = 2 @f$. Not normalised. Arithmetic is that of
+ * the elements: integers are exact modulo @f$ 2^{16} @f$, floats round every sum.
+ *
+ * @param[out] pKernel    Receives kernelSize coefficients.
+ * @param[in]  kernelSize Number of taps: odd, at least 1.
+ * @param[in]  order      Order of the derivative: at least 0, less than kernelSize.
+ * @param[in]  sign       Negative: all coefficients change their sign.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the kernel is null;
+ *         - #okpStatusBadSize: a number of taps that is even or below 1, an order below 0 or not less than
+ * it.
+ */
+OKPCV_API okpStatus okpiGenSobelKernel_16s(int16_t* pKernel, int32_t kernelSize, int32_t order, int32_t sign);
+
+/**
+ * @brief One-dimensional kernel of a smoothed derivative, in floats.
+ * @copydetails okpiGenSobelKernel_16s
+ */
+OKPCV_API okpStatus okpiGenSobelKernel_32f(float* pKernel, int32_t kernelSize, int32_t order, int32_t sign);
+
+/**
+ * @brief Reduces an 8-bit image of three channels to one by a norm of each pixel.
+ *
+ * | norm | result for the values @f$ a, b, c @f$ | for floats |
+ * |---|---|---|
+ * | 0 | @f$ \max(a, b, c) @f$ | the same |
+ * | 1 | @f$ \lfloor (1365 (a + b + c) + 2048) / 4096 \rfloor @f$ | @f$ (a + b + c) / 3 @f$ |
+ * | 2 | @f$ \sqrt{(a^2 + b^2 + c^2) / 3} @f$ to nearest, ties to even | the same, not rounded to integers |
+ *
+ * For norm 2 the sum of squares, exact for integers, is rounded to single precision, multiplied by
+ * 0.33333334 and its root taken in single precision. 16-bit images use the formulas of 8-bit ones. Where a
+ * maximum meets NaN, the result is not defined.
+ *
+ * @param[in]  pSrc    First pixel of the source's region.
+ * @param[in]  srcStep Bytes from one source row to the next.
+ * @param[out] pDst    First pixel of the destination's region; must not overlap the source.
+ * @param[in]  dstStep Bytes from one destination row to the next.
+ * @param[in]  roiSize Size of the region in pixels.
+ * @param[in]  norm    0, 1 or 2.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: an image is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadStep: a step is smaller than a row of its image;
+ *         - #okpStatusBadArgument: another norm.
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                     int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/**
+ * @brief Reduces an unsigned 16-bit image of three channels to one by a norm of each pixel.
+ * @copydetails okpiGradientColorToGray_8u_C3C1R
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_16u_C3C1R(const uint16_t* pSrc, int32_t srcStep, uint16_t* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/**
+ * @brief Reduces a float image of three channels to one by a norm of each pixel.
+ * @copydetails okpiGradientColorToGray_8u_C3C1R
+ */
+OKPCV_API okpStatus okpiGradientColorToGray_32f_C3C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, int32_t norm);
+
+/** @} */
+
+/**
+ * @defgroup fixed_masks Filters with fixed masks
+ * @brief Means, mixed second derivatives and Laplacians over 3 x 3 or 5 x 5 pixels.
+ *
+ * With the binomial kernels of okpiGenSobelKernel_16s(), smoothing @f$ s @f$, first derivative @f$ d @f$ and
+ * second derivative @f$ e @f$:
+ *
+ * | mask | @f$ s @f$ | @f$ d @f$ | @f$ e @f$ |
+ * |---|---|---|---|
+ * | #MaskSize3x3 | 1 2 1 | -1 0 1 | 1 -2 1 |
+ * | #MaskSize5x5 | 1 4 6 4 1 | -1 -2 0 2 1 | 1 0 -2 0 1 |
+ *
+ * The kernels are not flipped: derivatives are positive where values grow to the right (`dx`) and downwards
+ * (`dy`). This holds for all derivatives of the library.
+ *
+ * Results are saturated to their type; those of 8-bit images are exact integers that fit it. Sums of floats
+ * are rounded to single precision one by one, in the order that each function states; a zero that results is
+ * positive. Results are the same bit for bit at every width, step and alignment.
+ * @{
+ */
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLowpassBorder_8u_C1R().
+ *
+ * Depends on the region's width and the mask only: a buffer serves every region that is not wider.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  mask        #MaskSize3x3 or #MaskSize5x5.
+ * @param[out] pBufferSize Receives the number of bytes; they need no alignment.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the result pointer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadMaskKind: another mask;
+ *         - #okpStatusSizeTooLarge: the number of bytes does not fit the result.
+ */
+OKPCV_API okpStatus okpiFilterLowpassGetBufferSize_8u_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                          int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLowpassBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLowpassGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                           int32_t* pBufferSize);
+
+/**
+ * @brief Mean of the pixels around each pixel of an 8-bit image.
+ *
+ * @f$ dst = \lfloor \Sigma / n^2 + 1/2 \rfloor @f$ for the sum @f$ \Sigma @f$ of the
+ * @f$ n \times n @f$ pixels, @f$ n = 3 @f$ or 5.
+ *
+ * @param[in]  pSrc        First pixel of the source's region.
+ * @param[in]  srcStep     Bytes from one source row to the next.
+ * @param[out] pDst        First pixel of the destination's region; must not overlap the source.
+ * @param[in]  dstStep     Bytes from one destination row to the next.
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[in]  mask        #MaskSize3x3 or #MaskSize5x5.
+ * @param[in]  borderType  Pixels outside the region: #BorderReplicate, #BorderMirror or #BorderConstant, each
+ *                         with any side flags, or #BorderInMemory. On a side in memory as many pixels as the
+ *                         mask reaches, 1 or 2, must be readable beyond the region.
+ * @param[in]  borderValue Value of the constant border; ignored for other kinds.
+ * @param      pBuffer     Work buffer of the size that the function's size query reports for the region or a
+ *                         wider one.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: an image or the buffer is null;
+ *         - #okpStatusBadSize: a width or height below 1;
+ *         - #okpStatusBadStep: a step is smaller than a row of its image;
+ *         - #okpStatusStepNotMultiple: of float images only, a step is no multiple of 4;
+ *         - #okpStatusBadBorder: another border;
+ *         - #okpStatusBadMaskKind: another mask.
+ */
+OKPCV_API okpStatus okpiFilterLowpassBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                   int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                   BorderKind borderType, uint8_t borderValue, void* pBuffer);
+
+/**
+ * @brief Mean of the pixels around each pixel of a float image.
+ *
+ * Each row of the mask is summed from left to right, the rows' sums from top to bottom, and the whole is
+ * divided by 9 or 25.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLowpassBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                    int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                    BorderKind borderType, float borderValue, void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterSobelCrossBorder_8u16s_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossGetBufferSize_8u16s_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                                int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterSobelCrossBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                              int32_t* pBufferSize);
+
+/**
+ * @brief Mixed second derivative of an 8-bit image.
+ *
+ * @f$ dst(x, y) = \sum_j d_j \sum_i d_i \, src(x + i, y + j) @f$ with the first derivative of the mask,
+ * unscaled: positive where an image grows to the lower right and the upper left.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossBorder_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                         int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                         BorderKind borderType, uint8_t borderValue,
+                                                         void* pBuffer);
+
+/**
+ * @brief Mixed second derivative of a float image.
+ *
+ * @f$ dst(x, y) = \sum_j d_j \sum_i d_i \, src(x + i, y + j) @f$ with the first derivative of the mask,
+ * unscaled, both sums in the kernel's order: of finite pixels, the result of okpiFilterSeparable_32f_C1R()
+ * with the kernel of okpiGenSobelKernel_32f() for rows and columns.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterSobelCrossBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                       int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                       BorderKind borderType, float borderValue,
+                                                       void* pBuffer);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLaplacianBorder_8u16s_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianGetBufferSize_8u16s_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                               int32_t* pBufferSize);
+
+/**
+ * @brief Bytes of a work buffer of okpiFilterLaplacianBorder_32f_C1R().
+ * @copydetails okpiFilterLowpassGetBufferSize_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianGetBufferSize_32f_C1R(RoiSize roiSize, MaskSizeCode mask,
+                                                             int32_t* pBufferSize);
+
+/**
+ * @brief Laplacian of an 8-bit image.
+ *
+ * The sum of the second derivatives along rows and columns, each smoothed across, unscaled:
+ * @f$ dst(x, y) = \sum_{i,j} (s_j e_i + e_j s_i) \, src(x + i, y + j) @f$, negative at bright spots. So the
+ * masks are
+ *
+ *     2  0  2         2  4   4  4  2
+ *     0 -8  0         4  0  -8  0  4
+ *     2  0  2         4 -8 -24 -8  4
+ *                     4  0  -8  0  4
+ *                     2  4   4  4  2
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianBorder_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
+                                                        int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                        BorderKind borderType, uint8_t borderValue,
+                                                        void* pBuffer);
+
+/**
+ * @brief Laplacian of a float image.
+ *
+ * The masks are those of okpiFilterLaplacianBorder_8u16s_C1R(). The five or three rows of half the mask are
+ * added from top to bottom, and the whole is doubled. Of pixels @f$ a, b, c, d, e @f$ these rows are, for
+ * 3 x 3, @f$ a + c @f$ and @f$ -4b @f$; for 5 x 5, with @f$ p = a + e @f$ and @f$ q = b + d @f$,
+ * @f$ p + 2(q + c) @f$, @f$ r = 2p - 4c @f$ and @f$ r - 4(q + 2c) @f$.
+ *
+ * @copydetails okpiFilterLowpassBorder_8u_C1R
+ */
+OKPCV_API okpStatus okpiFilterLaplacianBorder_32f_C1R(const float* pSrc, int32_t srcStep, float* pDst,
+                                                      int32_t dstStep, RoiSize roiSize, MaskSizeCode mask,
+                                                      BorderKind borderType, float borderValue,
+                                                      void* pBuffer);
 
 /** @} */
 

@@ -1,5 +1,5 @@
 // The cache query and the decisions taken by it: when an output is large enough to be streamed past the
-// caches.
+// caches, and when a region to be filtered in strips.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +33,12 @@ inline bool streamsAccumulator(int32_t bytesPerPixel, RoiSize size) {
 // Gaussian filters: small products skip the query.
 inline bool streamsFilter(int64_t product) {
     return product >= 524288 && product >= queryCacheSize().bytes;
+}
+
+// Filters with small masks: regions of fewer pixels than an eighth of the caches' bytes are filtered whole,
+// others in strips.
+inline bool filtersWhole(Size size) {
+    return size.width * size.height < (int64_t{queryCacheSize().bytes} + 7) / 8;
 }
 
 // Outputs whose operation streams only on the word of a successful query.

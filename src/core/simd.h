@@ -14,9 +14,16 @@
 #include <limits>
 #include <type_traits>
 
+// The code of a vector has no calls in it. Where sanitizers watch every access, one copy of each function is
+// enough: copies of all their checks would take minutes to compile.
+#if defined(OKPCV_SANITIZED)
+#define OKPCV_INLINE inline
+#define OKPCV_INLINE_LAMBDA
+#else
 #define OKPCV_INLINE inline __attribute__((always_inline))
 // The same for a lambda, behind its parameters.
 #define OKPCV_INLINE_LAMBDA __attribute__((always_inline))
+#endif
 
 namespace okpcv {
 
@@ -113,8 +120,7 @@ struct Streamed {
     static constexpr Streamed from(int) { return {}; }
 };
 
-namespace detail {
-
+// One value at any address: the elements of images need not be aligned.
 template <class T>
 OKPCV_INLINE T loadScalar(const void* p) {
     T value;
@@ -126,6 +132,8 @@ template <class T>
 OKPCV_INLINE void storeScalar(void* p, T value) {
     std::memcpy(p, &value, sizeof value);
 }
+
+namespace detail {
 
 // The first 1 to 7 bytes at p, in loads that stay inside them.
 OKPCV_INLINE uint64_t loadUpTo7(const unsigned char* p, int bytes) {
@@ -227,12 +235,20 @@ OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
     if constexpr (std::is_same_v<Extent, Part>) {
         store(p, v, Part{extent.count < N ? extent.count : N});
     } else if constexpr (N * int{sizeof(T)} == 8) {
-        detail::storeScalar(p, _mm_cvtsi128_si64(bitCast<int32_t>(v).raw));
+        storeScalar(p, _mm_cvtsi128_si64(bitCast<int32_t>(v).raw));
     } else if constexpr (N * int{sizeof(T)} == 4) {
-        detail::storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
+        storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
     } else {
         store(p, v, Part{N});
     }
+}
+
+// Half a vector from each of two addresses.
+template <class T>
+OKPCV_INLINE Vec<T> loadHalves(const T* low, const T* high) {
+    const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
+    return bitCast<T>(
+        Vec<double>{_mm_loadh_pd(_mm_castsi128_pd(first), reinterpret_cast<const double*>(high))});
 }
 
 // Orders the streaming stores before it against whatever the caller does next.
@@ -247,7 +263,7 @@ OKPCV_INLINE Vec<T> gather(const T* table, Vec<int32_t> index) {
     const auto low = static_cast<uint64_t>(_mm_cvtsi128_si64(index.raw));
     const auto high = static_cast<uint64_t>(_mm_extract_epi64(index.raw, 1));
     const auto at = [table](uint64_t i) {
-        return _mm_cvtsi32_si128(detail::loadScalar<int32_t>(table + static_cast<int32_t>(i)));
+        return _mm_cvtsi32_si128(loadScalar<int32_t>(table + static_cast<int32_t>(i)));
     };
     return bitCast<T>(Vec<int32_t>{_mm_unpacklo_epi64(_mm_unpacklo_epi32(at(low), at(low >> 32)),
                                                       _mm_unpacklo_epi32(at(high), at(high >> 32)))});
@@ -296,9 +312,9 @@ OKPCV_INLINE Vec<To> loadAs(const From* p, Extent extent = {}) {
         } else if constexpr (bytes == 8) {
             raw = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
         } else if constexpr (bytes == 4) {
-            raw = _mm_cvtsi32_si128(detail::loadScalar<int32_t>(p));
+            raw = _mm_cvtsi32_si128(loadScalar<int32_t>(p));
         } else {
-            raw = _mm_cvtsi32_si128(detail::loadScalar<uint16_t>(p));
+            raw = _mm_cvtsi32_si128(loadScalar<uint16_t>(p));
         }
         if constexpr (kIsFloat<From>) {
             return {_mm_cvtps_pd(_mm_castsi128_ps(raw))};
@@ -787,6 +803,17 @@ OKPCV_INLINE Vec<T> interleaveHigh(Vec<T> a, Vec<T> b) {
     }
     return bitCast<T>(Vec<int32_t>{z});
 }
+// Lanes 0, 2, 4, ... (1, 3, 5, ... for the second form) of the sequence a, b.
+template <class T>
+OKPCV_INLINE Vec<T> evenLanes(Vec<T> a, Vec<T> b) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<float>{_mm_shuffle_ps(bitCast<float>(a).raw, bitCast<float>(b).raw, 0x88)});
+}
+template <class T>
+OKPCV_INLINE Vec<T> oddLanes(Vec<T> a, Vec<T> b) {
+    static_assert(sizeof(T) == 4);
+    return bitCast<T>(Vec<float>{_mm_shuffle_ps(bitCast<float>(a).raw, bitCast<float>(b).raw, 0xDD)});
+}
 // The bytes of each lane in the opposite order.
 template <class T>
 OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
@@ -796,11 +823,11 @@ OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
 }
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
-    return detail::loadScalar<T>(&a);
+    return loadScalar<T>(&a);
 }
 template <class T>
 OKPCV_INLINE T lastLane(Vec<T> a) {
-    return detail::loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
+    return loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
 }
 
 namespace detail {
@@ -932,6 +959,16 @@ constexpr auto channelShuffles() {
 }
 
 }  // namespace detail
+
+// The lanes without every fourth, moved together; zeros behind them.
+template <class T>
+OKPCV_INLINE Vec<T> dropFourthLanes(Vec<T> a) {
+    static constexpr auto kept = detail::shuffleFrom(0, [](int i) {
+        constexpr int e = sizeof(T);
+        return i < 12 ? (i / e / 3 * 4 + i / e % 3) * e + i % e : detail::kNowhere;
+    });
+    return bitCast<T>(Vec<int32_t>{detail::shuffled(bitCast<int32_t>(a).raw, kept)});
+}
 
 // Splits interleaved triples: with p the sequence in0, in1, in2, channel c is p[c], p[c + 3], p[c + 6], ...
 template <class T>

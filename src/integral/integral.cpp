@@ -100,10 +100,10 @@ class RowsOf {
     void putSingle(uint8_t pixel, int64_t x) {
         if constexpr (kIsInt<D>) {
             single_ = wrappingSum(single_, Term::of(pixel));
-            singleOut_[x] = wrappingSum(singleAbove_[x], single_);
+            storeScalar(singleOut_ + x, wrappingSum(loadScalar<D>(singleAbove_ + x), single_));
         } else {
             single_ += static_cast<D>(Term::of(pixel));
-            singleOut_[x] = singleAbove_[x] + single_;
+            storeScalar(singleOut_ + x, loadScalar<D>(singleAbove_ + x) + single_);
         }
     }
 
@@ -192,8 +192,8 @@ okpStatus sqrIntegral8u(Image<const uint8_t> src, Image<D> dst, Image<Q> sqr, Ro
     const bool overlap = address(dst.data) < address(sqr.data + rowElements) &&
                          address(sqr.data) < address(dst.data + rowElements);
     for (int64_t x = 0; x < rowElements; ++x) {
-        dst.data[x] = val;
-        sqr.data[x] = valSqr;
+        storeScalar(dst.data + x, val);
+        storeScalar(sqr.data + x, valSqr);
     }
     // Destinations that overlap receive what writing sum and square of pixel after pixel leaves.
     const int64_t grouped = overlap ? 0 : groupedColumns<D>(groupedColumns<Q>(size.width));

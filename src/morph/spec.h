@@ -21,7 +21,7 @@ struct SpecHeader {
     int32_t maskWidth, maskHeight;
     int32_t anchorX, anchorY;           // columns left of the centre, rows above it
     int32_t rightExtent, bottomExtent;  // columns right of the centre, rows below it
-    int32_t roiWidth;                   // the width that the buffer was sized for
+    int32_t roiWidth, roiWidthAligned;  // the width that the buffer was sized for, and its multiple of 16
     Shape shape;
     int32_t blockCount;
     int32_t slope;  // columns by which each row of the only block stands right of the row above
@@ -171,6 +171,7 @@ inline void initSpec(void* memory, const uint8_t* mask, int32_t maskWidth, int32
     header.rightExtent = maskWidth - 1 - header.anchorX;
     header.bottomExtent = maskHeight - 1 - header.anchorY;
     header.roiWidth = roiWidth;
+    header.roiWidthAligned = static_cast<int32_t>((int64_t{roiWidth} + 15) / 16 * 16);
 
     char* const blocks = static_cast<char*>(memory) + sizeof header;
     const auto add = [&](int64_t row, int64_t column, int64_t length, int64_t height) {

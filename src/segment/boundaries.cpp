@@ -50,7 +50,7 @@ class BoundaryMarker {
         };
         // The left neighbour is read before it is overwritten; the first pixel of the row is its own.
         uint64_t before = 0;
-        T left = row[0];
+        T left = loadScalar<T>(row);
         for (int64_t x = 0; x < width_; x += kWordBits) {
             const uint64_t already = rowWord<kLanes>(x, width_, isValue);
             uint64_t set = already;
@@ -58,12 +58,12 @@ class BoundaryMarker {
             const uint64_t differsInside = rowWord<kLanes>(x, width_ - 1, [row](int64_t at, auto extent) {
                 return ~laneBits(equal(load(row + at, extent), load(row + at + 1, extent))) & lowBits(kLanes);
             });
-            const uint64_t differs = differsInside << 1 | (row[x] != left ? 1 : 0);
-            left = row[std::min<int64_t>(x + kWordBits, width_) - 1];
+            const uint64_t differs = differsInside << 1 | (loadScalar<T>(row + x) != left ? 1 : 0);
+            left = loadScalar<T>(row + std::min<int64_t>(x + kWordBits, width_) - 1);
             set = solve(set, differs, before);
             before = set >> (kWordBits - 1);
             for (uint64_t bits = set & ~already; bits != 0; bits &= bits - 1)
-                row[x + std::countr_zero(bits)] = value_;
+                storeScalar(row + x + std::countr_zero(bits), value_);
         }
     }
 

@@ -168,11 +168,12 @@ void labelRuns(Image<const S> src, Image<T> dst, RoiSize size, const Scratch& sc
 template <Connectivity kConnectivity, class S, class T>
 void labelByFilling(Image<const S> src, Image<T> dst, RoiSize size, uint8_t* pBuffer, Labels& labels) {
     for (int32_t y = 0; y < size.height; ++y) {
-        for (int32_t x = 0; x < size.width; ++x) dst.row(y)[x] = src.row(y)[x] != 0 ? kLargest<T> : T{0};
+        for (int32_t x = 0; x < size.width; ++x)
+            storeScalar(dst.row(y) + x, loadScalar<S>(src.row(y) + x) != 0 ? kLargest<T> : T{0});
     }
     for (int32_t y = 0; y < size.height; ++y) {
         for (int32_t x = 0; x < size.width; ++x) {
-            if (dst.row(y)[x] != kLargest<T>) continue;
+            if (loadScalar<T>(dst.row(y) + x) != kLargest<T>) continue;
             ValueRegion region(dst, size.width, EqualTo(Pixel<T, 1>{kLargest<T>}),
                                Pixel<T, 1>{static_cast<T>(labels.next())});
             labels.takeIf(true);

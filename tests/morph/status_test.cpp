@@ -1,6 +1,7 @@
 // The statuses of dilation and erosion, their order, and the sizes of specs and buffers.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <vector>
 
@@ -314,6 +315,22 @@ TEST(MorphSizes, InitialisersRefuseInOrder) {
         EXPECT_EQ(init({kInt32MaxL + 1, 1}, mask, {1, 1}, f.specPointer()), okpStatusSizeTooLarge);
     }
     EXPECT_EQ(f.spec, before);
+}
+
+TEST(MorphSizes, SpecsBeginWithTheMasksGeometry) {
+    Fixture f;
+    const auto fields = [&] {
+        std::array<int32_t, 9> values;
+        std::memcpy(values.data(), f.spec.data(), sizeof values);
+        return values;
+    };
+    const std::vector<uint8_t> mask = {0, 0, 0, 0, 0, 0, 0, 9};
+    ASSERT_EQ(
+        okpiMorphologyBorderInit_8u_C1R({33, 5}, mask.data(), {4, 2}, f.specPointer(), f.bufferPointer()),
+        okpStatusOk);
+    EXPECT_EQ(fields(), (std::array<int32_t, 9>{4, 2, 1, 0, 2, 1, 33, 48, 0}));
+    ASSERT_EQ(okpiErodeInit_L({32, 5}, mask.data(), {1, 7}, f.specPointer()), okpStatusOk);
+    EXPECT_EQ(fields(), (std::array<int32_t, 9>{1, 7, 0, 3, 0, 3, 32, 32, 3}));
 }
 
 // Every mask of a few elements fits the spec that the query reports, whatever its runs.

@@ -282,11 +282,11 @@ TYPED_TEST(PyramidRecordTest, SizesInBytes) {
     const Count most = std::numeric_limits<Count>::max() / 8;
     EXPECT_EQ(TypeParam::getSize(&record, &buffer, 1, {1, most}, 2.0F), okpStatusOk);
     EXPECT_EQ(buffer, most * 8);
-    EXPECT_EQ(TypeParam::getSize(&record, &buffer, 1, {most + 1, 1}, 2.0F), okpStatusBadSize);
+    EXPECT_EQ(TypeParam::getSize(&record, &buffer, 1, {most + 1, 1}, 2.0F), okpStatusSizeTooLarge);
     EXPECT_EQ(buffer, most * 8);
     uint8_t area[256];
     typename TypeParam::Record* pyramid = nullptr;
-    EXPECT_EQ(TypeParam::init(&pyramid, 1, {most + 1, 1}, 2.0F, area, area), okpStatusBadSize);
+    EXPECT_EQ(TypeParam::init(&pyramid, 1, {most + 1, 1}, 2.0F, area, area), okpStatusSizeTooLarge);
     EXPECT_EQ(pyramid, nullptr);
 }
 

@@ -1,0 +1,304 @@
+// Filters with fixed masks of 3 x 3 and 5 x 5 pixels: means, mixed second derivatives and Laplacians. 8-bit
+// images are filtered in 16-bit integers, which hold every sum of them; float images in single precision.
+//
+// Bound, per 16 outputs of an 8-bit image and mask length n: 2 n loads that widen, the 4 (mean, cross
+// derivative) to 26 (5 x 5 Laplacian) instructions of the row's sums, then as many additions as the mask has
+// distinct rows, twice. Float images need as many instructions for 4 outputs each way, and are bound by the
+// memory where they leave the caches.
+#include "core/area.h"
+#include "core/border.h"
+#include "core/cache.h"
+#include "core/checks.h"
+#include "core/fp_control.h"
+#include "core/image.h"
+#include "core/simd.h"
+#include "core/unrolled.h"
+#include "filter/mask_engine.h"
+#include "filter/weighted_sum.h"
+#include "okpcv/filter.h"
+
+namespace okpcv {
+namespace {
+
+template <class V>
+OKPCV_INLINE V twice(V v) {
+    return v + v;
+}
+
+// A sum of nothing but negative zeros is +0, as of all filters.
+OKPCV_INLINE Vec<float> withoutNegativeZero(Vec<float> v) {
+    return v + zeros<float>();
+}
+OKPCV_INLINE Vec<int16_t> withoutNegativeZero(Vec<int16_t> v) {
+    return v;
+}
+
+// ---- Masks ----------------------------------------------------------------------------------------------
+//
+// A mask computes from the elements that an output's taps see in one row what the outputs around it need of
+// that row (Row), adds it to the sum of the output to which the row is row J of the mask, from J = 0, which
+// sets the sum, to length - 1, and finishes the sum. `vectors` of sums advance side by side.
+
+template <class T, int kLength>
+struct Mean {
+    static constexpr int length = kLength;
+    static constexpr int vectors = 2;
+    using V = Vec<T>;
+    using Row = V;
+
+    static OKPCV_INLINE Row row(const V (&x)[length]) {
+        V sum = x[0];
+        for (int i = 1; i < length; ++i) sum = sum + x[i];
+        return sum;
+    }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, Row row) {
+        sum = J == 0 ? row : sum + row;
+    }
+    static OKPCV_INLINE Vec<float> finished(Vec<float> sum) {
+        return withoutNegativeZero(sum) / broadcast(float{length * length});
+    }
+    // Rounded half up. The factors are exact for all sums of bytes: 7282 / 2^16 for 9, 5243 / 2^17 for 25.
+    static OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> sum) {
+        constexpr int16_t half = length * length / 2;
+        if constexpr (length == 3) return mulHigh(sum + broadcast(half), broadcast(int16_t{7282}));
+        return shiftRight(mulHigh(sum + broadcast(half), broadcast(int16_t{5243})), 1);
+    }
+};
+
+// Rows and columns (-1 0 1).
+template <class T>
+struct Cross3 {
+    static constexpr int length = 3;
+    static constexpr int vectors = 2;
+    using V = Vec<T>;
+    using Row = V;
+
+    static OKPCV_INLINE Row row(const V (&x)[length]) { return x[2] - x[0]; }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, Row row) {
+        if constexpr (J == 0) sum = row;
+        if constexpr (J == 2) sum = row - sum;
+    }
+    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(sum); }
+};
+
+// Rows and columns (-1 -2 0 2 1), in this order.
+template <class T>
+struct Cross5 {
+    static constexpr int length = 5;
+    static constexpr int vectors = 1;
+    using V = Vec<T>;
+    struct Row {
+        V single, doubled;
+    };
+
+    static OKPCV_INLINE Row row(const V (&x)[length]) {
+        const V sum = twice(x[3]) - (x[0] + twice(x[1])) + x[4];
+        return {sum, twice(sum)};
+    }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, const Row& row) {
+        if constexpr (J == 0) sum = row.single;
+        if constexpr (J == 1) sum = sum + row.doubled;
+        if constexpr (J == 3) sum = row.doubled - sum;
+        if constexpr (J == 4) sum = sum + row.single;
+    }
+    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(sum); }
+};
+
+// Twice 1 0 1
+//       0 -4 0
+//       1 0 1.
+template <class T>
+struct Laplacian3 {
+    static constexpr int length = 3;
+    static constexpr int vectors = 2;
+    using V = Vec<T>;
+    struct Row {
+        V sides, centre;
+    };
+
+    static OKPCV_INLINE Row row(const V (&x)[length]) { return {x[0] + x[2], twice(twice(x[1]))}; }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, const Row& row) {
+        if constexpr (J == 0) sum = row.sides;
+        if constexpr (J == 1) sum = sum - row.centre;
+        if constexpr (J == 2) sum = sum + row.sides;
+    }
+    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(twice(sum)); }
+};
+
+// Twice 1   2   2   2 1
+//       2   0  -4   0 2
+//       2  -4 -12  -4 2
+//       2   0  -4   0 2
+//       1   2   2   2 1.
+template <class T>
+struct Laplacian5 {
+    static constexpr int length = 5;
+    static constexpr int vectors = 1;
+    using V = Vec<T>;
+    struct Row {
+        V outer, between, middle;
+    };
+
+    static OKPCV_INLINE Row row(const V (&x)[length]) {
+        const V ends = x[0] + x[4];
+        const V inner = x[1] + x[3];
+        const V centre = twice(x[2]);
+        const V between = twice(ends) - twice(centre);
+        return {ends + twice(inner + x[2]), between, between - twice(twice(inner + centre))};
+    }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, const Row& row) {
+        if constexpr (J == 0) {
+            sum = row.outer;
+        } else {
+            sum = sum + (J == 4 ? row.outer : J == 2 ? row.middle : row.between);
+        }
+    }
+    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(twice(sum)); }
+};
+
+// ---- The pass -------------------------------------------------------------------------------------------
+
+// See mask_engine.h. A row that comes in is added to the sums of all outputs that see it, one of which it
+// completes: so `length` sums are under way at a time.
+template <class Mask, class S, class D>
+struct MaskPass {
+    using T = std::conditional_t<kIsFloat<S>, float, int16_t>;
+    static constexpr int length = Mask::length;
+    static constexpr int lanes = Vec<T>::lanes;
+
+    __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows, const S* const* rows,
+                                              int64_t count) const {
+        const Image<D> dst{out, step};
+        forBlocks<Mask::vectors, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            constexpr int n = block.vectors;
+            Vec<T> sums[length][n];
+            // Adds a row to the sums of the outputs of which it is row kLast, kLast - 1, ..., 0; the first of
+            // them has slot kSlot.
+            const auto add = [&](const S* row, auto kLast, auto kSlot) OKPCV_INLINE_LAMBDA {
+                typename Mask::Row terms[n];
+                for (int v = 0; v < n; ++v) terms[v] = rowTerms(row + x + v * lanes, extent);
+                unrolled<kLast + 1>([&](auto i) OKPCV_INLINE_LAMBDA {
+                    for (int v = 0; v < n; ++v) {
+                        Mask::template add<kLast - i>(sums[(kSlot + i) % length][v], terms[v]);
+                    }
+                });
+            };
+            unrolled<length - 1>(
+                [&](auto j) OKPCV_INLINE_LAMBDA { add(rows[j], j, std::integral_constant<int, 0>{}); });
+            for (int64_t r = 0; r < outRows; r += length) {
+                unrolled<length>([&](auto slot) OKPCV_INLINE_LAMBDA {
+                    if (r + slot >= outRows) return;
+                    add(rows[r + slot + length - 1], std::integral_constant<int, length - 1>{}, slot);
+                    storeFinished(dst.row(r + slot) + x, sums[slot], extent);
+                });
+            }
+        });
+    }
+
+  private:
+    template <class Extent>
+    static OKPCV_INLINE typename Mask::Row rowTerms(const S* p, Extent extent) {
+        Vec<T> x[length];
+        for (int i = 0; i < length; ++i) x[i] = loadAs<T>(p + i, extent);
+        return Mask::row(x);
+    }
+    template <int N, class Extent>
+    static OKPCV_INLINE void storeFinished(D* out, const Vec<T> (&sums)[N], Extent extent) {
+        if constexpr (sizeof(D) == sizeof(T)) {
+            for (int v = 0; v < N; ++v) store(out + v * lanes, Mask::finished(sums[v]), extent);
+        } else if constexpr (N == 1) {
+            const Vec<T> sum = Mask::finished(sums[0]);
+            storeFirst<lanes>(out, narrowSaturated<D>(sum, sum), extent);
+        } else {
+            static_assert(N == 2);
+            store(out, narrowSaturated<D>(Mask::finished(sums[0]), Mask::finished(sums[1])), extent);
+        }
+    }
+};
+
+// ---- Exports --------------------------------------------------------------------------------------------
+
+constexpr bool isMask(MaskSizeCode mask) {
+    return mask == MaskSize3x3 || mask == MaskSize5x5;
+}
+
+template <class S>
+constexpr int kGroup = kIsFloat<S> ? Vec<float>::lanes : Vec<int16_t>::lanes;
+
+template <class Mask, class S, class D>
+void run(const MaskTask<S, D>& task, void* pBuffer) {
+    using Buffer = MaskBuffer<S, Mask::length, kGroup<S>>;
+    Area area(pBuffer);
+    const Buffer buffer = Buffer::layOut(area, task.size.width);
+    const MaskPass<Mask, S, D> pass;
+    MaskFilter<S, D, Mask::length, kGroup<S>, MaskPass<Mask, S, D>>(task, buffer, pass).run();
+}
+
+template <class Mask3, class Mask5, class S, class D>
+okpStatus filter(Image<const S> src, Image<D> dst, Size size, MaskSizeCode mask, BorderKind borderType,
+                 S borderValue, void* pBuffer) {
+    Checks checks;
+    checks.pointers(src.data, dst.data, pBuffer).size(size).rowsFit(size, src, dst);
+    if constexpr (kIsFloat<S>) checks.stepsAreMultiples(src, dst);
+    checks.require(isFilterBorder(borderType), okpStatusBadBorder)
+        .require(isMask(mask), okpStatusBadMaskKind);
+    if (checks.failed()) return checks.status();
+
+    const DenormalExceptionMask denormals;
+    const MaskTask<S, D> task{src, dst, size, Border(borderType), borderValue};
+    mask == MaskSize3x3 ? run<Mask3>(task, pBuffer) : run<Mask5>(task, pBuffer);
+    return okpStatusOk;
+}
+
+template <class S>
+okpStatus bufferSize(RoiSize size, MaskSizeCode mask, int32_t* pBufferSize) {
+    Checks checks;
+    checks.pointers(pBufferSize).size(size).require(isMask(mask), okpStatusBadMaskKind);
+    if (checks.failed()) return checks.status();
+
+    Area area;
+    if (mask == MaskSize3x3) {
+        MaskBuffer<S, 3, kGroup<S>>::layOut(area, size.width);
+    } else {
+        MaskBuffer<S, 5, kGroup<S>>::layOut(area, size.width);
+    }
+    checks.require(area.bytes() <= INT32_MAX, okpStatusSizeTooLarge);
+    if (!checks.failed()) *pBufferSize = static_cast<int32_t>(area.bytes());
+    return checks.status();
+}
+
+}  // namespace
+}  // namespace okpcv
+
+using namespace okpcv;
+
+// The last two are the masks of 3 x 3 and 5 x 5.
+#define FIXED_MASK(NAME, S, D, ...)                                                                   \
+    okpStatus NAME(const S* pSrc, int32_t srcStep, D* pDst, int32_t dstStep, RoiSize roiSize,         \
+                   MaskSizeCode mask, BorderKind borderType, S borderValue, void* pBuffer) {          \
+        return filter<__VA_ARGS__, S, D>({pSrc, srcStep}, {pDst, dstStep}, roiSize, mask, borderType, \
+                                         borderValue, pBuffer);                                       \
+    }
+#define BUFFER_SIZE(NAME, S)                                                   \
+    okpStatus NAME(RoiSize roiSize, MaskSizeCode mask, int32_t* pBufferSize) { \
+        return bufferSize<S>(roiSize, mask, pBufferSize);                      \
+    }
+
+FIXED_MASK(okpiFilterLowpassBorder_8u_C1R, uint8_t, uint8_t, Mean<int16_t, 3>, Mean<int16_t, 5>)
+FIXED_MASK(okpiFilterLowpassBorder_32f_C1R, float, float, Mean<float, 3>, Mean<float, 5>)
+FIXED_MASK(okpiFilterSobelCrossBorder_8u16s_C1R, uint8_t, int16_t, Cross3<int16_t>, Cross5<int16_t>)
+FIXED_MASK(okpiFilterSobelCrossBorder_32f_C1R, float, float, Cross3<float>, Cross5<float>)
+FIXED_MASK(okpiFilterLaplacianBorder_8u16s_C1R, uint8_t, int16_t, Laplacian3<int16_t>, Laplacian5<int16_t>)
+FIXED_MASK(okpiFilterLaplacianBorder_32f_C1R, float, float, Laplacian3<float>, Laplacian5<float>)
+
+BUFFER_SIZE(okpiFilterLowpassGetBufferSize_8u_C1R, uint8_t)
+BUFFER_SIZE(okpiFilterLowpassGetBufferSize_32f_C1R, float)
+BUFFER_SIZE(okpiFilterSobelCrossGetBufferSize_8u16s_C1R, uint8_t)
+BUFFER_SIZE(okpiFilterSobelCrossGetBufferSize_32f_C1R, float)
+BUFFER_SIZE(okpiFilterLaplacianGetBufferSize_8u16s_C1R, uint8_t)
+BUFFER_SIZE(okpiFilterLaplacianGetBufferSize_32f_C1R, float)

@@ -1,0 +1,43 @@
+// Kernels of derivatives: differences of binomial coefficients.
+#include "core/checks.h"
+#include "okpcv/filter.h"
+
+namespace okpcv {
+namespace {
+
+// Convolves the last `taps` elements of the kernel with (1, `sign`) in place, one element to the left.
+template <class T>
+void convolve(T* kernel, int64_t size, int64_t taps, int sign) {
+    for (int64_t i = size - 1 - taps; i < size - 1; ++i) {
+        kernel[i] = static_cast<T>(kernel[i] + (sign < 0 ? -kernel[i + 1] : kernel[i + 1]));
+    }
+}
+
+template <class T>
+okpStatus sobelKernel(T* pKernel, int32_t size, int32_t order, int32_t sign) {
+    Checks checks;
+    checks.pointers(pKernel).require(size >= 1 && size % 2 != 0 && order >= 0 && order < size,
+                                     okpStatusBadSize);
+    if (checks.failed()) return checks.status();
+
+    for (int32_t i = 0; i < size - 1; ++i) pKernel[i] = 0;
+    pKernel[size - 1] = 1;
+    for (int32_t taps = 1; taps < size; ++taps) convolve(pKernel, size, taps, taps < size - order ? 1 : -1);
+    if (sign < 0) {
+        for (int32_t i = 0; i < size; ++i) pKernel[i] = static_cast<T>(-pKernel[i]);
+    }
+    return okpStatusOk;
+}
+
+}  // namespace
+}  // namespace okpcv
+
+using namespace okpcv;
+
+okpStatus okpiGenSobelKernel_16s(int16_t* pKernel, int32_t kernelSize, int32_t order, int32_t sign) {
+    return sobelKernel(pKernel, kernelSize, order, sign);
+}
+
+okpStatus okpiGenSobelKernel_32f(float* pKernel, int32_t kernelSize, int32_t order, int32_t sign) {
+    return sobelKernel(pKernel, kernelSize, order, sign);
+}

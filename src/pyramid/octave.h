@@ -1,0 +1,378 @@
+// The fast path of pyramid layers: rate 2 and the binomial kernel 1 4 6 4 1 / 16 (P. J. Burt, E. H. Adelson,
+// "The Laplacian pyramid as a compact image code", 1983). Columns first: the rows that an output row sees
+// become one line of sums, whose mirrored ends are added; then every second pixel of the line is filtered, or
+// every pixel twice, and stored.
+//
+// Sums of 8- and 16-bit images are integers, in lanes of twice the width, and hold every value exactly; so
+// the results are those of single precision, which holds them too. Sums of floats take their terms in kernel
+// order.
+//
+// Bound: the instructions of about two vectors per output vector and tap; all of a line stays in the first
+// cache.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <type_traits>
+
+#include "core/area.h"
+#include "core/image.h"
+#include "core/rows.h"
+#include "core/simd.h"
+#include "core/unrolled.h"
+#include "pyramid/mirror.h"
+
+namespace okpcv {
+
+// What sums of elements of S are formed in.
+template <class S>
+using OctaveSum = std::conditional_t<std::is_same_v<S, uint8_t>, uint16_t,
+                                     std::conditional_t<std::is_same_v<S, uint16_t>, int32_t, float>>;
+
+// Rows of a smaller level that are made together: they share the source rows that several of them see.
+inline constexpr int kOctaveBatch = 4;
+// Pixels of them that are made together, so that their lines stay in the first cache.
+inline constexpr int64_t kOctaveTile = 128;
+
+// Lines of sums. A smaller level takes a line for each row of a batch, of a tile's source pixels; a larger
+// one takes two, of all pixels of a source row.
+template <class T>
+struct OctaveLines {
+    T* line[kOctaveBatch];
+
+    // Elements before a line and behind it: mirrored pixels, and what whole vectors read beyond them.
+    static constexpr int64_t margin = 8;
+    static constexpr int64_t slack = 64;
+    // From the pixels of even number to those of odd number, where these have a line of their own.
+    static constexpr int64_t odd = kOctaveTile + slack;
+};
+
+template <class T>
+OctaveLines<T> layOutOctave(Area& area, int channels, int64_t width, int phases) {
+    using Lines = OctaveLines<T>;
+    OctaveLines<T> lines{};
+    int64_t count = 2 * (kOctaveTile + Lines::slack) * channels;
+    const bool fits = phases == 1 || (multiplyChecked(width, channels, count) &&
+                                      addChecked(count, Lines::margin + Lines::slack, count));
+    for (int i = 0; i < (phases == 1 ? kOctaveBatch : 2); ++i) {
+        lines.line[i] = area.take<T>(fits ? count : -1, kVectorBytes);
+        if (lines.line[i] != nullptr) lines.line[i] += Lines::margin;
+    }
+    return lines;
+}
+
+namespace detail {
+
+// The sums of the definition: 16 times the weighted mean in integers, the mean itself in floats.
+template <class T>
+OKPCV_INLINE Vec<T> binomial(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T> d, Vec<T> e) {
+    if constexpr (kIsFloat<T>) {
+        Vec<T> sum = broadcast(1 / 16.0F) * a;
+        accumulate(sum, broadcast(4 / 16.0F) * b);
+        accumulate(sum, broadcast(6 / 16.0F) * c);
+        accumulate(sum, broadcast(4 / 16.0F) * d);
+        accumulate(sum, broadcast(1 / 16.0F) * e);
+        return sum;
+    } else {
+        return (a + e) + shiftLeft((b + d) + c, 2) + shiftLeft(c, 1);
+    }
+}
+// The same of lines with zeros between the pixels, times 2: 8 times the mean in integers.
+template <class T>
+OKPCV_INLINE Vec<T> binomialAtPixel(Vec<T> a, Vec<T> b, Vec<T> c) {
+    if constexpr (kIsFloat<T>) {
+        Vec<T> sum = broadcast(2 / 16.0F) * a;
+        accumulate(sum, broadcast(12 / 16.0F) * b);
+        accumulate(sum, broadcast(2 / 16.0F) * c);
+        return sum;
+    } else {
+        return (a + c) + shiftLeft(b, 2) + shiftLeft(b, 1);
+    }
+}
+template <class T>
+OKPCV_INLINE Vec<T> binomialBetween(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return broadcast(8 / 16.0F) * a + broadcast(8 / 16.0F) * b;
+    } else {
+        return shiftLeft(a + b, 2);
+    }
+}
+
+// Integer sums divided by 2^Bits, rounded half up. To float sums the zero is added that they should have
+// begun with; the sign of a zero in the sums of columns leaves no trace behind it.
+template <int Bits, class T>
+OKPCV_INLINE Vec<T> rounded(Vec<T> sum) {
+    if constexpr (kIsFloat<T>) {
+        return sum + zeros<T>();
+    } else {
+        return shiftRight(sum + broadcast(static_cast<T>(1 << (Bits - 1))), Bits);
+    }
+}
+// Rounded sums, which fit the narrower type, of two vectors.
+template <class D, class T>
+OKPCV_INLINE Vec<D> narrowFitting(Vec<T> low, Vec<T> high) {
+    using Signed = std::make_signed_t<T>;
+    return narrowSaturated<D>(bitCast<Signed>(low), bitCast<Signed>(high));
+}
+
+// Pixels of three channels are filtered one in four lanes, the last of which is ignored.
+template <class T>
+inline constexpr int kPixelsOf4 = Vec<T>::lanes / 4;
+
+// The vector's number of pixels, `stride` elements apart.
+template <class T>
+OKPCV_INLINE Vec<T> loadPixels(const T* p, int64_t stride) {
+    if constexpr (kPixelsOf4<T> == 1) {
+        return load(p);
+    } else {
+        static_assert(kPixelsOf4<T> == 2);
+        return loadHalves(p, p + stride);
+    }
+}
+
+// Stores the pixels of a vector, of which `count` lie inside the row. Whole vectors are stored where the row
+// goes on for long enough; what lies behind the pixels is stored again later.
+template <class D>
+OKPCV_INLINE void storePixels(D* out, Vec<D> pixels, int64_t count) {
+    constexpr int lanes = Vec<D>::lanes;
+    constexpr int elements = 3 * kPixelsOf4<D>;
+    if constexpr (kPixelsOf4 < D >> 1) pixels = dropFourthLanes(pixels);
+    if (3 * count >= lanes) {
+        store(out, pixels);
+    } else {
+        store(out, pixels, Part{3 * count < elements ? static_cast<int>(3 * count) : elements});
+    }
+}
+
+// Whether sums of even and of odd columns are kept apart: so no lane has to move when every second is taken.
+template <int Channels, class T>
+inline constexpr bool kSplitsColumns = Channels == 1 && sizeof(T) == 4;
+
+// The sums at pixel x of a tile's line.
+template <int Channels, class T>
+OKPCV_INLINE T* pixelOfLine(T* line, int64_t x) {
+    if constexpr (kSplitsColumns<Channels, T>) {
+        return line + (x >> 1) + (x & 1) * OctaveLines<T>::odd;
+    } else {
+        return line + x * Channels;
+    }
+}
+
+// The line of each of `Rows` output rows, at pixels `from` to `to` - 1 of the source; pixel `origin`, an even
+// number of pixels from the first, is the line's pixel 0.
+template <int Rows, int Channels, class S, class T>
+void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_t from, int64_t to,
+                       int64_t origin) {
+    constexpr int lanes = Vec<T>::lanes;
+    constexpr int inputs = 2 * Rows + 3;
+    T* out[Rows];
+    for (int r = 0; r < Rows; ++r) out[r] = pixelOfLine<Channels>(lines.line[r], from - origin);
+    const auto sum = [](const Vec<T>(&v)[inputs], auto r) OKPCV_INLINE_LAMBDA {
+        return binomial(v[2 * r], v[2 * r + 1], v[2 * r + 2], v[2 * r + 3], v[2 * r + 4]);
+    };
+    const S* in[inputs];  // as locals, which no store can change
+    for (int i = 0; i < inputs; ++i) in[i] = rows[i] + from * Channels;
+    const int64_t count = (to - from) * Channels;
+    if constexpr (kSplitsColumns<Channels, T>) {
+        constexpr int64_t odd = OctaveLines<T>::odd;
+        mapColumns<2 * lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            Vec<T> low[inputs], high[inputs], sums[2][Rows];
+            unrolled<inputs>([&](auto i)
+                                 OKPCV_INLINE_LAMBDA { low[i] = bitCast<T>(load(in[i] + x, extent)); });
+            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { sums[0][r] = sum(low, r); });
+            unrolled<inputs>([&](auto i) OKPCV_INLINE_LAMBDA {
+                high[i] = kIsFloat<S> ? bitCast<T>(load(in[i] + x + lanes, extent.from(lanes)))
+                                      : bitCast<T>(shiftRight(bitCast<uint32_t>(low[i]), 16));
+            });
+            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { sums[1][r] = sum(high, r); });
+            // Of integers, two to a lane, the sum of the lanes is that of the low ones and 2^16 times that of
+            // the high ones.
+            if constexpr (kIsInt<S>) {
+                unrolled<Rows>(
+                    [&](auto r) OKPCV_INLINE_LAMBDA { sums[0][r] = sums[0][r] - shiftLeft(sums[1][r], 16); });
+            }
+            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA {
+                const Vec<T> a = sums[0][r], b = sums[1][r];
+                store(out[r] + x / 2, kIsFloat<S> ? evenLanes(a, b) : a);
+                store(out[r] + x / 2 + odd, kIsFloat<S> ? oddLanes(a, b) : b);
+            });
+        });
+    } else {
+        mapColumns<lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            Vec<T> v[inputs];
+            unrolled<inputs>([&](auto i) OKPCV_INLINE_LAMBDA { v[i] = loadAs<T>(in[i] + x, extent); });
+            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { store(out[r] + x, sum(v, r)); });
+        });
+    }
+}
+
+// `width` pixels of a row of a tile.
+template <int Channels, class D, class T>
+void octaveLineDown(D* out, int64_t width, const T* line) {
+    constexpr int lanes = Vec<T>::lanes;
+    if constexpr (Channels == 3) {
+        const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
+            const T* const p = line + 6 * (x - 1);
+            const auto tap = [&](int i) OKPCV_INLINE_LAMBDA { return loadPixels(p + 3 * i, 6); };
+            return rounded<8>(binomial(tap(0), tap(1), tap(2), tap(3), tap(4)));
+        };
+        if constexpr (kIsFloat<D>) {
+            int64_t x = 0;
+            for (; x + 2 < width; x += 2) {
+                const Vec<D> here = filtered(x), next = filtered(x + 1);
+                store(out + 3 * x, here);
+                store(out + 3 * x + 3, next);
+            }
+            for (; x < width; ++x) storePixels(out + 3 * x, filtered(x), width - x);
+        } else {
+            for (int64_t x = 0; x < width; x += kPixelsOf4<D>) {
+                storePixels(out + 3 * x, narrowFitting<D>(filtered(x), filtered(x + kPixelsOf4<T>)),
+                            width - x);
+            }
+        }
+    } else if constexpr (kSplitsColumns<Channels, T>) {
+        const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
+            const T* const even = line + x;
+            const T* const odd = even + OctaveLines<T>::odd;
+            return rounded<8>(binomial(load(even - 1), load(odd - 1), load(even), load(odd), load(even + 1)));
+        };
+        mapColumns<Vec<D>::lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            if constexpr (kIsFloat<D>) {
+                store(out + x, filtered(x), extent);
+            } else {
+                store(out + x, narrowFitting<D>(filtered(x), filtered(x + lanes)), extent);
+            }
+        });
+    } else {
+        // Sums of columns fit signed 16 bits; pairs of products are added as 32.
+        static_assert(sizeof(T) == 2);
+        const Vec<int16_t> weights0 = bitCast<int16_t>(broadcast(0x00040001));
+        const Vec<int16_t> weights2 = bitCast<int16_t>(broadcast(0x00040006));
+        const Vec<int16_t> weights4 = bitCast<int16_t>(broadcast(0x00000001));
+        const auto filtered = [&](const T* p) OKPCV_INLINE_LAMBDA {
+            const auto sum = mulAddPairs(bitCast<int16_t>(load(p)), weights0) +
+                             mulAddPairs(bitCast<int16_t>(load(p + 2)), weights2) +
+                             mulAddPairs(bitCast<int16_t>(load(p + 4)), weights4);
+            return rounded<8>(sum);
+        };
+        mapColumns<Vec<D>::lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            const T* const p = line + 2 * (x - 1);
+            const auto low = narrowSaturated<int16_t>(filtered(p), filtered(p + lanes));
+            const auto high = narrowSaturated<int16_t>(filtered(p + 2 * lanes), filtered(p + 3 * lanes));
+            store(out + x, narrowSaturated<D>(low, high), extent);
+        });
+    }
+}
+
+// `Rows` output rows from row y on.
+template <int Rows, class S, int Channels>
+void octaveRowsDown(const Image<const S, Channels>& src, Size srcSize, const Image<S, Channels>& dst,
+                    int64_t dstWidth, int64_t y, const OctaveLines<OctaveSum<S>>& lines) {
+    using T = OctaveSum<S>;
+    const S* rows[2 * Rows + 3];
+    for (int i = 0; i < 2 * Rows + 3; ++i) {
+        rows[i] = src.row(mirroredPixel(2 * (y - 1) + i, srcSize.height, 1));
+    }
+    for (int64_t x = 0; x < dstWidth; x += kOctaveTile) {
+        const int64_t left = dstWidth - x;
+        const int64_t width = left < kOctaveTile ? left : kOctaveTile;
+        const int64_t origin = 2 * x, end = 2 * (x + width) + 1;
+        const int64_t from = x == 0 ? 0 : origin - 2;
+        const int64_t to = end < srcSize.width ? end : srcSize.width;
+        octaveColumnsDown<Rows, Channels>(lines, rows, from, to, origin);
+        for (int r = 0; r < Rows; ++r) {
+            T* const line = lines.line[r];
+            const auto mirror = [&](int64_t at, int64_t last) {
+                for (; at < last; ++at) {
+                    const T* const source =
+                        pixelOfLine<Channels>(line, mirroredPixel(at, srcSize.width, 1) - origin);
+                    std::copy(source, source + Channels, pixelOfLine<Channels>(line, at - origin));
+                }
+            };
+            mirror(origin - 2, from);
+            mirror(to, end);
+            octaveLineDown<Channels>(dst.row(y + r) + x * Channels, width, line);
+        }
+    }
+}
+
+// `width` pixels of the larger row.
+template <int Channels, class D, class T>
+void octaveLineUp(D* out, int64_t width, const T* line) {
+    constexpr int lanes = Vec<T>::lanes;
+    if constexpr (Channels == 3) {
+        // Source pixels are taken as many as fit four lanes each.
+        constexpr int step = kPixelsOf4<T>;
+        for (int64_t x = 0; 2 * x < width; x += step) {
+            const auto tap = [&](int i) OKPCV_INLINE_LAMBDA { return loadPixels(line + 3 * (x + i), 3); };
+            const Vec<T> before = tap(-1), here = tap(0), behind = tap(1);
+            const auto even = rounded<6>(binomialAtPixel(before, here, behind));
+            const auto odd = rounded<6>(binomialBetween(here, behind));
+            D* const p = out + 6 * x;
+            const int64_t left = width - 2 * x;
+            if constexpr (kIsFloat<D>) {
+                storePixels(p, even, left);
+                if (left > 1) storePixels(p + 3, odd, left - 1);
+            } else if constexpr (step == 1) {
+                storePixels(p, narrowFitting<D>(even, odd), left);
+            } else {
+                const auto e = bitCast<uint64_t>(even), o = bitCast<uint64_t>(odd);
+                storePixels(
+                    p, narrowFitting<D>(bitCast<T>(interleaveLow(e, o)), bitCast<T>(interleaveHigh(e, o))),
+                    left);
+            }
+        }
+    } else {
+        mapColumns<2 * lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            const T* const p = line + x / 2;
+            const Vec<T> before = load(p - 1), here = load(p), behind = load(p + 1);
+            const auto even = rounded<6>(binomialAtPixel(before, here, behind));
+            const auto odd = rounded<6>(binomialBetween(here, behind));
+            const Vec<T> low = interleaveLow(even, odd), high = interleaveHigh(even, odd);
+            if constexpr (kIsFloat<D>) {
+                store(out + x, low, extent);
+                store(out + x + lanes, high, extent.from(lanes));
+            } else {
+                store(out + x, narrowFitting<D>(low, high), extent);
+            }
+        });
+    }
+}
+
+}  // namespace detail
+
+template <class S, int Channels>
+void octaveDown(const Image<const S, Channels>& src, Size srcSize, const Image<S, Channels>& dst,
+                Size dstSize, const OctaveLines<OctaveSum<S>>& lines) {
+    int64_t y = 0;
+    for (; y + kOctaveBatch <= dstSize.height; y += kOctaveBatch) {
+        detail::octaveRowsDown<kOctaveBatch>(src, srcSize, dst, dstSize.width, y, lines);
+    }
+    for (; y < dstSize.height; ++y) detail::octaveRowsDown<1>(src, srcSize, dst, dstSize.width, y, lines);
+}
+
+template <class S, int Channels>
+void octaveUp(const Image<const S, Channels>& src, Size srcSize, const Image<S, Channels>& dst, Size dstSize,
+              const OctaveLines<OctaveSum<S>>& lines) {
+    using T = OctaveSum<S>;
+    T* const lineOfEven = lines.line[0];
+    T* const lineOfOdd = lines.line[1];
+    for (int64_t y = 0; 2 * y < dstSize.height; ++y) {
+        const auto row = [&](int64_t i) { return src.row(mirroredPixel(y + i, srcSize.height, 2)); };
+        mapRow<Vec<T>::lanes>(
+            srcSize.width * Channels,
+            [](auto extent, T* even, T* odd, const S* a, const S* b, const S* c) OKPCV_INLINE_LAMBDA {
+                const Vec<T> here = loadAs<T>(b, extent), below = loadAs<T>(c, extent);
+                store(even, detail::binomialAtPixel(loadAs<T>(a, extent), here, below));
+                store(odd, detail::binomialBetween(here, below));
+            },
+            lineOfEven, lineOfOdd, row(-1), row(0), row(1));
+        extendLine<Channels>(lineOfEven, srcSize.width, 1, 2);
+        detail::octaveLineUp<Channels>(dst.row(2 * y), dstSize.width, lineOfEven);
+        if (2 * y + 1 == dstSize.height) continue;
+        extendLine<Channels>(lineOfOdd, srcSize.width, 1, 2);
+        detail::octaveLineUp<Channels>(dst.row(2 * y + 1), dstSize.width, lineOfOdd);
+    }
+}
+
+}  // namespace okpcv
