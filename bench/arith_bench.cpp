@@ -213,6 +213,7 @@ Setup motionHistory(okpStatus (*f)(const T*, int32_t, float*, int32_t, RoiSize, 
 
 const bench::Family arith("arith", [](bench::Family& family) {
     BENCH(absDiff, okpiAbsDiff_8u_C1R, bench::kSizesAndTiny);
+    GROW(okpiAbsDiff_8u_C1R, absDiff(okpiAbsDiff_8u_C1R));
     BENCH(absDiffOf3Channels, okpiAbsDiff_8u_C3R);
     BENCH(absDiff, okpiAbsDiff_16u_C1R);
     BENCH(absDiff, okpiAbsDiff_32f_C1R);

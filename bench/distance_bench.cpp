@@ -153,6 +153,7 @@ const bench::Family family_("distance", [](bench::Family& family) {
     family.add("okpiDistanceTransform_5x5_8u32f_C1R/L2/scattered",
                chamfer(okpiDistanceTransform_5x5_8u32f_C1R, 5, 2, Zeros::Scattered));
     family.add("okpiTrueDistanceTransform_8u32f_C1R", exact(blobs));
+    GROW(okpiTrueDistanceTransform_8u32f_C1R, exact(blobs));
     family.add("okpiTrueDistanceTransform_8u32f_C1R/scattered", exact(Zeros::Scattered));
     family.add("okpiTrueDistanceTransform_8u32f_C1R/zeros", exact(Zeros::Everywhere));
     BENCH(weightsByCode, okpiGetDistanceTransformMask, kTiny);

@@ -162,6 +162,7 @@ const bench::Family family_("features", [](bench::Family& family) {
     family.add("okpiCanny_16s8u_C1R_L/L2", cannyFromDerivativesL(okpiCanny_16s8u_C1R_L, NormL2));
     family.add("okpiCanny_32f8u_C1R_L/L2", cannyFromDerivativesL(okpiCanny_32f8u_C1R_L, NormL2));
     family.add("okpiCannyBorder_8u_C1R/sobel3", cannyOfImage(2, MaskSize3x3, NormL1, 0));
+    GROW(okpiCannyBorder_8u_C1R, cannyOfImage(2, MaskSize3x3, NormL1, 0));
     family.add("okpiCannyBorder_8u_C1R/sobel3-L2", cannyOfImage(2, MaskSize3x3, NormL2, 0));
     family.add("okpiCannyBorder_8u_C1R/sobel3-noise", cannyOfImage(2, MaskSize3x3, NormL1, 1));
     family.add("okpiCannyBorder_8u_C1R/sobel5", cannyOfImage(2, MaskSize5x5, NormL1, 0));

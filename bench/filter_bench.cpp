@@ -198,6 +198,7 @@ const bench::Family family_("filter", [](bench::Family& family) {
     SEPARABLE(okpiFilterSeparable_32f_C3R, 3, float, "");
     SEPARABLE(okpiFilterSeparable_32f_C4R, 4, float, "");
 #undef SEPARABLE
+    GROW(okpiFilterSeparable_32f_C1R, separable<float>(okpiFilterSeparable_32f_C1R, 1, 5));
     // The 64-bit forms share all but their arguments.
 #define SEPARABLE_L(NAME, CHANNELS, K) family.add(#NAME "/k5", separable<K>(NAME, CHANNELS, 5), kFilterSizes)
     SEPARABLE_L(okpiFilterSeparable_8u_C1R_L, 1, int16_t);

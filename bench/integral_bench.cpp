@@ -106,6 +106,7 @@ Setup rectStdDevScaled(decltype(okpiRectStdDev_32s_C1RSfs)* f) {
 
 const bench::Family integrals("integral", [](bench::Family& family) {
     BENCH(integral, okpiIntegral_8u32s_C1R, bench::kSizesAndTiny);
+    GROW(okpiIntegral_8u32s_C1R, integral(okpiIntegral_8u32s_C1R));
     BENCH(integral, okpiIntegral_8u32f_C1R);
     BENCH(floatIntegral, okpiIntegral_32f_C1R);
     BENCH(sqrIntegral, okpiSqrIntegral_8u32s_C1R);

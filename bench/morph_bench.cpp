@@ -96,8 +96,8 @@ void callPeer(Op op, const cv::Mat& src, cv::Mat dst, const cv::Mat& mask) {
 #endif
 
 template <class T>
-Case compared(Op op, const Image<T>& src, const Image<T>& dst, int channels, const Mask& mask,
-              bench::Call ours) {
+Case compared(Op op, const Image<T>& src, const Image<T>& dst, int channels,
+              [[maybe_unused]] const Mask& mask, bench::Call ours) {
     const Image<T> theirs(src.size(), channels);
 #ifdef OKPCV_BENCH_OPENCV
     const cv::Mat element =
@@ -206,6 +206,9 @@ const bench::Family family_("morph", [](bench::Family& family) {
     BORDER(Op::Dilate, 1, true, okpiDilateBorder_8u_C1R, okpiMorphologyBorderGetSize_8u_C1R,
            okpiMorphologyBorderInit_8u_C1R);
     LARGE(Op::Dilate, 1, DataType8u, okpiDilate_8u_C1R_L);
+    GROW(okpiDilateBorder_8u_C1R,
+         border(Op::Dilate, 1, okpiDilateBorder_8u_C1R, okpiMorphologyBorderGetSize_8u_C1R,
+                okpiMorphologyBorderInit_8u_C1R, rectangle(15)));
     BORDER(Op::Dilate, 3, false, okpiDilateBorder_8u_C3R, okpiMorphologyBorderGetSize_8u_C3R,
            okpiMorphologyBorderInit_8u_C3R);
     LARGE(Op::Dilate, 3, DataType8u, okpiDilate_8u_C3R_L);

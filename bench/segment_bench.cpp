@@ -370,6 +370,7 @@ const bench::Family segment("segment", [](bench::Family& family) {
 
     LABEL_IN_PLACE(okpiLabelMarkers_8u_C1IR, okpiLabelMarkersGetBufferSize_8u_C1R);
     LABEL_IN_PLACE(okpiLabelMarkers_16u_C1IR, okpiLabelMarkersGetBufferSize_16u_C1R);
+    GROW(okpiLabelMarkers_8u32s_C1R, label(okpiLabelMarkers_8u32s_C1R, Picture::Natural, 0));
     for (const int32_t norm : {0, 1}) {
         const std::string con = norm == 0 ? "8" : "4";
         family.add("okpiLabelMarkers_8u32s_C1R/natural_" + con,

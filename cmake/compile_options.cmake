@@ -8,11 +8,17 @@ function(okpcv_common_options target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow
     $<$<BOOL:${OKPCV_WERROR}>:-Werror>)
   if(OKPCV_SANITIZE)
-    # Little optimisation: at -O3 the compiler takes minutes for one file's checks.
+    # Little optimisation, and no check that an address does not wrap, because either would double the time that
+    # the compiler takes.
     target_compile_options(${target} PRIVATE
-      -O1 -g1 -fsanitize=${OKPCV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+      -O1 -g1 -fsanitize=${OKPCV_SANITIZE} -fno-sanitize=pointer-overflow -fno-sanitize-recover=all
+      -fno-omit-frame-pointer)
     target_compile_definitions(${target} PRIVATE OKPCV_SANITIZED)
     target_link_options(${target} PRIVATE -fsanitize=${OKPCV_SANITIZE})
+  endif()
+  if(OKPCV_COVERAGE)
+    target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping -O1)
+    target_link_options(${target} PRIVATE -fprofile-instr-generate)
   endif()
 endfunction()
 
@@ -22,9 +28,13 @@ function(okpcv_library_code target)
   okpcv_common_options(${target})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
   target_compile_definitions(${target} PRIVATE OKPCV_BUILDING)
+  set(optimisation)
+  if(NOT OKPCV_SANITIZE AND NOT OKPCV_COVERAGE)
+    set(optimisation $<$<CONFIG:Release>:-O3>)
+  endif()
   target_compile_options(${target} PRIVATE
-    -msse4.2 -mpopcnt $<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${OKPCV_SANITIZE}>>>:-O3> -ffp-contract=off
-    -fno-math-errno -fno-trapping-math -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables
+    -msse4.2 -mpopcnt ${optimisation} -ffp-contract=off -fno-math-errno -fno-trapping-math
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables
     -fvisibility=hidden -fvisibility-inlines-hidden)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
@@ -38,8 +48,8 @@ function(okpcv_shared_library target)
     BUILD_RPATH "$ORIGIN"
     INSTALL_RPATH "$ORIGIN")
   target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now -Wl,--enable-new-dtags -Wl,--as-needed)
-  if(OKPCV_SANITIZE)
-    # The sanitizers bring their own run time, which has initialisers and data.
+  if(OKPCV_SANITIZE OR OKPCV_COVERAGE)
+    # The instruments bring their own run time, which has initialisers and data.
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
   else()
     target_link_options(${target} PRIVATE -Wl,-z,defs -nostartfiles)

@@ -1,4 +1,4 @@
-// Fuzzes the sizes and records of pyramids.
+// Fuzzes the sizes, records and layers of pyramids.
 #include "support/fuzz.h"
 
 namespace {
@@ -58,6 +58,66 @@ void record(F function, Data& data) {
     }
 }
 
+int32_t kernelSize(Data& data) {
+    return data.oneIn(8) ? data.between(-5, 6) : 2 * data.between(1, data.oneIn(4) ? 15 : 3) + 1;
+}
+
+template <class S, class N, class F>
+void layerSize(F function, Data& data) {
+    N spec = 0, buffer = 0;
+    fuzz::checkQuery(function(fuzz::anySize<S>(data), anyRate(data), data.any<int32_t>(), &spec, &buffer),
+                     spec, buffer);
+}
+
+template <class S, class N, auto query, class F>
+void layerInit(F function, Data& data) {
+    Call call(data);
+    const int32_t size = kernelSize(data);
+    const float rate = anyRate(data);
+    const RoiSize real = call.real();
+    N specBytes = 1, bufferBytes = 1;
+    const okpStatus expected = query({real.width, real.height}, rate, size, &specBytes, &bufferBytes);
+    const float* const kernel = data.oneIn(3) ? nullptr : call.optionalInput<float>(std::max(size, 1));
+    const okpStatus status =
+        call(function, call.size(), rate, kernel, size, static_cast<void*>(call.area(specBytes)));
+    if (expected != okpStatusOk && status == okpStatusOk)
+        fuzz::fail("query and initialiser differ", expected);
+}
+
+// A destination that belongs to the source, or sometimes one that does not and must be refused.
+template <class T, int channels, class S, class N, bool down, auto query, auto initialise, class F>
+void layer(F function, Data& data) {
+    Call call(data, 60, 20);
+    const RoiSize real = call.real();
+    const S source{real.width, real.height};
+    const float rate = data.oneIn(2) ? 2.0F : static_cast<float>(data.between(105, 1000)) / 100;
+    const bool binomial = data.oneIn(2);
+    const int32_t size = binomial ? 5 : 2 * data.between(1, 6) + 1;
+    N specBytes = 0, bufferBytes = 0;
+    if (query(source, rate, size, &specBytes, &bufferBytes) != okpStatusOk)
+        fuzz::fail("a good size was refused", size);
+    std::vector<float> kernel(static_cast<size_t>(size));
+    for (float& coefficient : kernel) coefficient = static_cast<float>(data.between(1, 9));
+    fuzz::Block spec(data, specBytes);
+    if (initialise(source, rate, binomial ? nullptr : kernel.data(), size, spec.begin()) != okpStatusOk)
+        fuzz::fail("a good spec was refused", size);
+
+    RoiSize low{}, high{};
+    if (down) {
+        okpiGetPyramidDownROI(real, &low, rate);
+        high = low;
+    } else {
+        okpiGetPyramidUpROI(real, &low, &high, rate);
+    }
+    const RoiSize made{data.between(low.width, high.width), data.between(low.height, high.height)};
+    fuzz::Size told{made.width, made.height};
+    if (data.oneIn(8)) told.width = data.oneOf<int64_t>({0, -1, INT32_MIN, high.width + 1, INT32_MAX});
+    const auto src = call.source<T>(channels);
+    const auto dst = call.destination<T>(channels, {made.width - real.width, made.height - real.height});
+    call(function, src, call.size(), dst, told, static_cast<const void*>(spec.begin()),
+         static_cast<void*>(call.area(bufferBytes)));
+}
+
 constexpr fuzz::Shape kShapes[] = {
     FUZZ((down<RoiSize>), okpiGetPyramidDownROI),
     FUZZ((down<RoiSizeL>), okpiGetPyramidDownROI_L),
@@ -67,6 +127,82 @@ constexpr fuzz::Shape kShapes[] = {
     FUZZ((recordSize<RoiSizeL, int64_t>), okpiPyramidGetSize_L),
     FUZZ((record<RoiSize, int32_t, PyramidRecord, okpiPyramidGetSize>), okpiPyramidInit),
     FUZZ((record<RoiSizeL, int64_t, PyramidRecordL, okpiPyramidGetSize_L>), okpiPyramidInit_L),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_16u_C1R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_16u_C3R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_32f_C1R),
+    FUZZ((layerSize<RoiSizeL, int64_t>), okpiPyramidLayerDownGetSize_32f_C1R_L),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_32f_C3R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_8u_C1R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerDownGetSize_8u_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_16u_C1R>),
+         okpiPyramidLayerDownInit_16u_C1R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_16u_C3R>),
+         okpiPyramidLayerDownInit_16u_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_32f_C1R>),
+         okpiPyramidLayerDownInit_32f_C1R),
+    FUZZ((layerInit<RoiSizeL, int64_t, okpiPyramidLayerDownGetSize_32f_C1R_L>),
+         okpiPyramidLayerDownInit_32f_C1R_L),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_32f_C3R>),
+         okpiPyramidLayerDownInit_32f_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_8u_C1R>), okpiPyramidLayerDownInit_8u_C1R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerDownGetSize_8u_C3R>), okpiPyramidLayerDownInit_8u_C3R),
+    FUZZ((layer<uint16_t, 1, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_16u_C1R,
+                okpiPyramidLayerDownInit_16u_C1R>),
+         okpiPyramidLayerDown_16u_C1R),
+    FUZZ((layer<uint16_t, 3, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_16u_C3R,
+                okpiPyramidLayerDownInit_16u_C3R>),
+         okpiPyramidLayerDown_16u_C3R),
+    FUZZ((layer<float, 1, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_32f_C1R,
+                okpiPyramidLayerDownInit_32f_C1R>),
+         okpiPyramidLayerDown_32f_C1R),
+    FUZZ((layer<float, 1, RoiSizeL, int64_t, true, okpiPyramidLayerDownGetSize_32f_C1R_L,
+                okpiPyramidLayerDownInit_32f_C1R_L>),
+         okpiPyramidLayerDown_32f_C1R_L),
+    FUZZ((layer<float, 3, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_32f_C3R,
+                okpiPyramidLayerDownInit_32f_C3R>),
+         okpiPyramidLayerDown_32f_C3R),
+    FUZZ((layer<uint8_t, 1, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_8u_C1R,
+                okpiPyramidLayerDownInit_8u_C1R>),
+         okpiPyramidLayerDown_8u_C1R),
+    FUZZ((layer<uint8_t, 3, RoiSize, int32_t, true, okpiPyramidLayerDownGetSize_8u_C3R,
+                okpiPyramidLayerDownInit_8u_C3R>),
+         okpiPyramidLayerDown_8u_C3R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_16u_C1R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_16u_C3R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_32f_C1R),
+    FUZZ((layerSize<RoiSizeL, int64_t>), okpiPyramidLayerUpGetSize_32f_C1R_L),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_32f_C3R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_8u_C1R),
+    FUZZ((layerSize<RoiSize, int32_t>), okpiPyramidLayerUpGetSize_8u_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_16u_C1R>), okpiPyramidLayerUpInit_16u_C1R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_16u_C3R>), okpiPyramidLayerUpInit_16u_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_32f_C1R>), okpiPyramidLayerUpInit_32f_C1R),
+    FUZZ((layerInit<RoiSizeL, int64_t, okpiPyramidLayerUpGetSize_32f_C1R_L>),
+         okpiPyramidLayerUpInit_32f_C1R_L),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_32f_C3R>), okpiPyramidLayerUpInit_32f_C3R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_8u_C1R>), okpiPyramidLayerUpInit_8u_C1R),
+    FUZZ((layerInit<RoiSize, int32_t, okpiPyramidLayerUpGetSize_8u_C3R>), okpiPyramidLayerUpInit_8u_C3R),
+    FUZZ((layer<uint16_t, 1, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_16u_C1R,
+                okpiPyramidLayerUpInit_16u_C1R>),
+         okpiPyramidLayerUp_16u_C1R),
+    FUZZ((layer<uint16_t, 3, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_16u_C3R,
+                okpiPyramidLayerUpInit_16u_C3R>),
+         okpiPyramidLayerUp_16u_C3R),
+    FUZZ((layer<float, 1, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_32f_C1R,
+                okpiPyramidLayerUpInit_32f_C1R>),
+         okpiPyramidLayerUp_32f_C1R),
+    FUZZ((layer<float, 1, RoiSizeL, int64_t, false, okpiPyramidLayerUpGetSize_32f_C1R_L,
+                okpiPyramidLayerUpInit_32f_C1R_L>),
+         okpiPyramidLayerUp_32f_C1R_L),
+    FUZZ((layer<float, 3, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_32f_C3R,
+                okpiPyramidLayerUpInit_32f_C3R>),
+         okpiPyramidLayerUp_32f_C3R),
+    FUZZ((layer<uint8_t, 1, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_8u_C1R,
+                okpiPyramidLayerUpInit_8u_C1R>),
+         okpiPyramidLayerUp_8u_C1R),
+    FUZZ((layer<uint8_t, 3, RoiSize, int32_t, false, okpiPyramidLayerUpGetSize_8u_C3R,
+                okpiPyramidLayerUpInit_8u_C3R>),
+         okpiPyramidLayerUp_8u_C3R),
 };
 
 }  // namespace

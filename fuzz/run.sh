@@ -4,7 +4,7 @@
 set -euo pipefail
 place=build/fuzz/${1%_fuzz}
 mkdir -p "$place/corpus"
-build/asan/fuzz/"$1" -max_total_time="$2" -max_len=400 -timeout=20 -print_final_stats=1 -verbosity=1 \
+build/asan/fuzz/"$1" -rss_limit_mb=1024 -max_total_time="$2" -max_len=400 -timeout=20 -print_final_stats=1 -verbosity=1 \
     -artifact_prefix="$place/" "$place/corpus" > "$place/log" 2>&1 || {
     cat "$place/log"
     # xargs stops at this status.

@@ -35,6 +35,9 @@
 // setup from the function. A list of sizes may follow.
 #define BENCH(shape, function, ...) family.add(#function, shape(function) __VA_OPT__(, ) __VA_ARGS__)
 
+// The same at sizes from 64x64 to 8192x8192, by a setup: GROW(okpiAbsDiff_8u_C1R, shape(okpiAbsDiff_8u_C1R)).
+#define GROW(function, ...) family.add(#function "/growth", __VA_ARGS__, bench::kGrowth)
+
 namespace bench {
 
 using Call = std::function<okpStatus()>;
@@ -54,6 +57,11 @@ using Setup = std::function<Case(RoiSize)>;
 
 inline constexpr RoiSize kSizes[] = {{640, 480}, {1920, 1080}, {4096, 3072}};
 inline constexpr RoiSize kSizesAndTiny[] = {{16, 16}, {640, 480}, {1920, 1080}, {4096, 3072}};
+
+// How an operation's time grows with the image: the sizes, and the name, of GROW.
+inline constexpr RoiSize kGrowth[] = {{64, 64},     {128, 128},   {256, 256},   {512, 512},
+                                      {1024, 1024}, {2048, 2048}, {4096, 4096}, {8192, 8192}};
+inline constexpr char kGrowthVariant[] = "/growth";
 
 // The cases of one family. A static object of this class in the family's file registers them.
 class Family {

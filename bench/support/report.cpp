@@ -1,6 +1,8 @@
 // The figures as text.
 #include "support/report.h"
 
+#include "support/chart.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdarg>
@@ -9,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 
 namespace bench {
@@ -155,9 +158,62 @@ struct Summary {
     }
 };
 
+// A picture's file, and its drawing.
+struct Picture {
+    std::string file, alternative, svg;
+};
+
+// How ratios lie, and how times grow: with the image for operations measured at all the sizes of kGrowth, and
+// with the number at the end of a variant's name, such as k15 or rectangle15, where there are several.
+std::vector<Picture> draw(const std::map<std::string, std::vector<const Result*>>& families) {
+    std::vector<Dots> ratios;
+    std::map<std::string, std::map<double, double>> bySize, byNumber;
+    static const std::regex variant("(.*/(?:k|rectangle|disc))([0-9]+)(-float)?");
+    for (const auto& [family, results] : families) {
+        Dots row{family, Summary(results).ratios};
+        if (!row.values.empty()) ratios.push_back(std::move(row));
+        for (const Result* r : results) {
+            if (!r->error.empty() || r->ours.median <= 0) continue;
+            if (r->operation.ends_with(kGrowthVariant)) {
+                const std::string name(r->operation, 0, r->operation.size() - std::strlen(kGrowthVariant));
+                bySize[name][r->size.width] = nsPerPixel(*r, r->ours);
+            }
+            std::smatch match;
+            if (r->size.width == 640 && std::regex_match(r->operation, match, variant))
+                byNumber[match[1].str() + "N" + match[3].str()][std::stod(match[2])] =
+                    nsPerPixel(*r, r->ours);
+        }
+    }
+    const auto lines = [](const std::map<std::string, std::map<double, double>>& series, size_t least) {
+        std::vector<Line> result;
+        for (const auto& [name, points] : series) {
+            if (points.size() >= least) result.push_back({name, {points.begin(), points.end()}});
+        }
+        return result;
+    };
+    std::vector<Picture> pictures;
+    if (!ratios.empty()) {
+        pictures.push_back({"ratios.svg", "Ratios by family",
+                            dotChart("The peer's time over ours; right of 1 we are faster", ratios)});
+    }
+    if (const auto growth = lines(bySize, 2); !growth.empty()) {
+        pictures.push_back({"growth.svg", "Time by image size",
+                            lineChart("Time of a pixel by the size of the image",
+                                      "width and height in pixels", "ns/px", growth)});
+    }
+    if (const auto numbers = lines(byNumber, 4); !numbers.empty()) {
+        pictures.push_back(
+            {"kernels.svg", "Time by kernel or mask size",
+             lineChart("Time of a pixel by the length of the kernel or the size of the mask (640x480)", "N",
+                       "ns/px", numbers)});
+    }
+    return pictures;
+}
+
 void writeMarkdown(std::ostream& out, const Description& machine,
-                   const std::map<std::string, std::vector<const Result*>>& families) {
-    out << "# Benchmark of okpcv\n\n";
+                   const std::map<std::string, std::vector<const Result*>>& families,
+                   const std::vector<Picture>& pictures) {
+    out << "# Performance\n\n";
     for (const auto& [what, value] : machine) out << "- " << what << ": " << value << "\n";
     out << "\n"
         << kPreface << "\n## Summary\n\n"
@@ -172,12 +228,16 @@ void writeMarkdown(std::ostream& out, const Description& machine,
                       : " | ")
             << format(" | %d | %d | %d |\n", s.below, s.differing, s.failed);
     }
+    out << "\n";
+    for (const Picture& picture : pictures)
+        out << "![" << picture.alternative << "](" << picture.file << ")\n\n";
+    std::string slower;
+    for (const auto& [family, results] : families) slower += Summary(results).slower;
+    out << "## Slower than the peer\n\n" << (slower.empty() ? "Nothing.\n" : slower);
     for (const auto& [family, results] : families) {
         out << "\n## " << family << "\n";
         writeTable(out, results, false);
         writeTable(out, results, true);
-        const Summary s(results);
-        if (s.below > 0) out << "\nSlower than the peer:\n\n" << s.slower;
     }
 }
 
@@ -243,11 +303,19 @@ bool writeReport(const std::vector<Result>& results, const std::string& director
     std::error_code ignored;  // opening the files tells
     std::filesystem::create_directories(directory, ignored);
     std::ofstream markdown(directory + "/bench.md"), json(directory + "/bench.json");
-    writeMarkdown(markdown, machine, families);
+    const std::vector<Picture> pictures = draw(families);
+    writeMarkdown(markdown, machine, families, pictures);
     writeJson(json, machine, results);
+    bool written = true;
+    for (const Picture& picture : pictures) {
+        std::ofstream file(directory + "/" + picture.file);
+        file << picture.svg;
+        file.close();
+        written = written && !file.fail();
+    }
     markdown.close();
     json.close();
-    return !markdown.fail() && !json.fail();
+    return written && !markdown.fail() && !json.fail();
 }
 
 }  // namespace bench

@@ -100,7 +100,7 @@ class Block {
     void fill(Data& data) {
         uint64_t state = data.any<uint32_t>() | uint64_t{1} << 40;
         const int kind = data.between(0, 3);
-        uint8_t few[4];
+        uint8_t few[4] = {};
         data.bytes(few, sizeof few);
         for (size_t i = 0; i < bytes_; ++i) {
             state ^= state << 13, state ^= state >> 7, state ^= state << 17;
@@ -156,6 +156,9 @@ class Call {
         given_ = data.oneIn(2) ? Size{bad, size_.height} : Size{size_.width, bad};
         faulty_ = true;
     }
+
+    // For functions that refuse only steps that are not positive.
+    void acceptSmallSteps() { smallestStep_ = 1; }
 
     // What the memory is for, and what the function is told.
     RoiSize real() const { return size_; }
@@ -311,8 +314,9 @@ class Call {
         if (fault_ == Fault::Step && images_++ == place_ % 2) {
             faulty_ = true;
             const int64_t row = size.width * pixel;
-            image.step.bytes = data_.oneOf<int64_t>(
-                {0, -1, -step, INT32_MIN, row - 1, data_.between<int64_t>(-row, row - 1)});
+            const int64_t most = smallestStep_ > 0 ? smallestStep_ - 1 : row - 1;
+            image.step.bytes =
+                data_.oneOf<int64_t>({0, -1, -step, INT32_MIN, most, data_.between<int64_t>(-row, most)});
         }
         return image;
     }
@@ -333,7 +337,7 @@ class Call {
     int place_ = 0, pointers_ = 0, images_ = 0;
     bool faulty_ = false;
     std::deque<Block> blocks_;
-    int64_t madeStep_ = 0;
+    int64_t madeStep_ = 0, smallestStep_ = 0;
     std::vector<std::pair<uint8_t*, size_t>> gaps_, written_;
     std::vector<const Block*> undefined_;
 };
