@@ -18,6 +18,7 @@ void addDistancePanels(Gallery& gallery);
 void addFeaturePanels(Gallery& gallery);
 void addFilterPanels(Gallery& gallery);
 void addGeometryPanels(Gallery& gallery);
+void addPyramidPanels(Gallery& gallery);
 void addSegmentPanels(Gallery& gallery);
 void addIntegralPanels(Gallery& gallery);
 void addStatsPanels(Gallery& gallery);

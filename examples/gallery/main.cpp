@@ -74,6 +74,7 @@ int main(int argc, char** argv) {
         addFilterPanels(gallery);
         addFeaturePanels(gallery);
         addSegmentPanels(gallery);
+        addPyramidPanels(gallery);
         addGeometryPanels(gallery);
         addMorphPanels(gallery);
 

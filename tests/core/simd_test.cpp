@@ -180,6 +180,22 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(low[i], (i % 2 == 0 ? a : b)[i / 2]));
         EXPECT_TRUE(sameBit(high[i], (i % 2 == 0 ? a : b)[n / 2 + i / 2]));
     }
+    const Lanes<T> halves = lanesOf(loadHalves(a.data(), b.data() + 1));
+    for (size_t i = 0; i < n; ++i) EXPECT_TRUE(sameBit(halves[i], i < n / 2 ? a[i] : b[1 + i - n / 2]));
+    if constexpr (sizeof(T) == 4) {
+        const Lanes<T> even = lanesOf(evenLanes(vectorOf(a), vectorOf(b)));
+        const Lanes<T> odd = lanesOf(oddLanes(vectorOf(a), vectorOf(b)));
+        for (size_t i = 0; i < n; ++i) {
+            EXPECT_TRUE(sameBit(even[i], (2 * i < n ? a : b)[2 * i % n]));
+            EXPECT_TRUE(sameBit(odd[i], (2 * i < n ? a : b)[2 * i % n + 1]));
+        }
+    }
+    if constexpr (sizeof(T) <= 4) {
+        const Lanes<T> dropped = lanesOf(dropFourthLanes(vectorOf(a)));
+        for (size_t i = 0; i < n; ++i) {
+            EXPECT_TRUE(sameBit(dropped[i], i < n / 4 * 3 ? a[i / 3 * 4 + i % 3] : T{}));
+        }
+    }
     const Lanes<T> ofFirst = lanesOf(broadcastLane<0>(vectorOf(a)));
     const Lanes<T> ofLast = lanesOf(broadcastLast(vectorOf(a)));
     for (size_t i = 0; i < n; ++i) {
