@@ -32,8 +32,8 @@
  * @code{.cpp}
  * okpcv::ImageView<const uint8_t> src(pixels, {640, 480});
  * okpcv::ImageView<uint8_t> dst(result, {640, 480});
- * auto morphology = okpcv::Morphology<uint8_t>::rectangle({640, 480}, {5, 5}).orThrow();
- * morphology.dilate(src, dst).orThrow();
+ * auto blur = okpcv::GaussianFilter<uint8_t>::create({640, 480}, 5, 1.4F).orThrow();
+ * blur(src, dst).orThrow();
  * @endcode
  *
  * - An image is a view: a pointer, a size, a step, and the channels as a part of the type.
@@ -441,6 +441,71 @@ OKPCV_EXPORT(okpiFilterSeparable_32f_C4R, kSeparable, float, float, 4)
 OKPCV_EXPORT(okpiFilterSeparable_8u16s_C1R, kSeparable, uint8_t, int16_t, 1)
 OKPCV_EXPORT(okpiFilterSeparable_8u16s_C3R, kSeparable, uint8_t, int16_t, 3)
 OKPCV_EXPORT(okpiFilterSeparable_8u16s_C4R, kSeparable, uint8_t, int16_t, 4)
+
+template <class T, int Channels>
+inline constexpr auto kGaussian = nullptr;
+OKPCV_EXPORT(okpiFilterGaussian_8u_C1R, kGaussian, uint8_t, 1)
+OKPCV_EXPORT(okpiFilterGaussian_8u_C3R, kGaussian, uint8_t, 3)
+OKPCV_EXPORT(okpiFilterGaussian_16u_C1R, kGaussian, uint16_t, 1)
+OKPCV_EXPORT(okpiFilterGaussian_16u_C3R, kGaussian, uint16_t, 3)
+OKPCV_EXPORT(okpiFilterGaussian_16s_C1R, kGaussian, int16_t, 1)
+OKPCV_EXPORT(okpiFilterGaussian_16s_C3R, kGaussian, int16_t, 3)
+OKPCV_EXPORT(okpiFilterGaussian_32f_C1R, kGaussian, float, 1)
+OKPCV_EXPORT(okpiFilterGaussian_32f_C3R, kGaussian, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerDownSize = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_8u_C1R, kLayerDownSize, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_8u_C3R, kLayerDownSize, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_16u_C1R, kLayerDownSize, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_16u_C3R, kLayerDownSize, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_32f_C1R, kLayerDownSize, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownGetSize_32f_C3R, kLayerDownSize, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerDownInit = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerDownInit_8u_C1R, kLayerDownInit, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownInit_8u_C3R, kLayerDownInit, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDownInit_16u_C1R, kLayerDownInit, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownInit_16u_C3R, kLayerDownInit, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDownInit_32f_C1R, kLayerDownInit, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerDownInit_32f_C3R, kLayerDownInit, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerDown = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerDown_8u_C1R, kLayerDown, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDown_8u_C3R, kLayerDown, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDown_16u_C1R, kLayerDown, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerDown_16u_C3R, kLayerDown, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerDown_32f_C1R, kLayerDown, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerDown_32f_C3R, kLayerDown, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerUpSize = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_8u_C1R, kLayerUpSize, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_8u_C3R, kLayerUpSize, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_16u_C1R, kLayerUpSize, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_16u_C3R, kLayerUpSize, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_32f_C1R, kLayerUpSize, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpGetSize_32f_C3R, kLayerUpSize, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerUpInit = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerUpInit_8u_C1R, kLayerUpInit, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpInit_8u_C3R, kLayerUpInit, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUpInit_16u_C1R, kLayerUpInit, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpInit_16u_C3R, kLayerUpInit, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUpInit_32f_C1R, kLayerUpInit, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerUpInit_32f_C3R, kLayerUpInit, float, 3)
+
+template <class T, int Channels>
+inline constexpr auto kLayerUp = nullptr;
+OKPCV_EXPORT(okpiPyramidLayerUp_8u_C1R, kLayerUp, uint8_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUp_8u_C3R, kLayerUp, uint8_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUp_16u_C1R, kLayerUp, uint16_t, 1)
+OKPCV_EXPORT(okpiPyramidLayerUp_16u_C3R, kLayerUp, uint16_t, 3)
+OKPCV_EXPORT(okpiPyramidLayerUp_32f_C1R, kLayerUp, float, 1)
+OKPCV_EXPORT(okpiPyramidLayerUp_32f_C3R, kLayerUp, float, 3)
 
 template <class T, int Channels>
 inline constexpr auto kMorphologySize = nullptr;
@@ -988,6 +1053,80 @@ class SeparableFilter {
 };
 
 /**
+ * @brief A Gaussian filter with the areas that it needs.
+ * @tparam T        Type of the images.
+ * @tparam Channels Their channels.
+ */
+template <class T, int Channels = 1>
+requires detail::Exported<detail::kGaussian<T, Channels>>
+class GaussianFilter {
+  public:
+    /**
+     * @brief A filter.
+     * @param maxSize    The largest region.
+     * @param kernelSize Size of the kernel: odd, at least 3.
+     * @param sigma      Standard deviation in pixels.
+     * @return The object, or the error that prevented it.
+     */
+    static Result<GaussianFilter> create(RoiSize maxSize, int32_t kernelSize, float sigma) {
+        constexpr DataTypeCode type = detail::kDataType<T>;
+        int32_t specBytes = 0, initBytes = 0, bufferBytes = 0;
+        Status status = okpiFilterGaussianGetSpecSize(kernelSize, type, Channels, &specBytes, &initBytes);
+        if (!status) return status;
+        int32_t unused = 0;
+        status = okpiFilterGaussianGetBufferSize(maxSize, kernelSize, type, Channels, &unused, &bufferBytes);
+        if (!status) return status;
+        GaussianFilter filter(maxSize, specBytes, bufferBytes);
+        const Buffer init(initBytes);
+        // The border is that of the calls.
+        status = okpiFilterGaussianInit(maxSize, kernelSize, sigma, BorderReplicate, type, Channels,
+                                        filter.spec_.data(), init.data());
+        return status ? Result<GaussianFilter>(std::move(filter)) : status;
+    }
+
+    /**
+     * @brief Filters.
+     * @param src    Source.
+     * @param dst    Destination; may be the source.
+     * @param border Border.
+     * @param value  Value of a constant border.
+     * @return The C function's status.
+     */
+    Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst,
+                      BorderKind border = BorderReplicate, const Pixel<T, Channels>& value = {}) {
+        return (*this)(src, dst, border, value, buffer_);
+    }
+
+    /**
+     * @brief Filters in a buffer of the caller's; several threads may do so at once, each in its own.
+     * @param src    Source.
+     * @param dst    Destination; may be the source.
+     * @param border Border.
+     * @param value  Value of a constant border.
+     * @param buffer What makeBuffer() gave.
+     * @return The C function's status.
+     */
+    Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst, BorderKind border,
+                      const Pixel<T, Channels>& value, const Buffer& buffer) const {
+        if (!detail::same(src.size(), dst.size()) || !detail::fits(dst.size(), maxSize_))
+            return okpStatusBadSize;
+        return detail::kGaussian<T, Channels>(src.data(), src.step(), dst.data(), dst.step(), dst.size(),
+                                              border, detail::argument(value), spec_.data(), buffer.data());
+    }
+
+    /** @return A buffer for a thread. */
+    Buffer makeBuffer() const { return Buffer(bufferBytes_); }
+
+  private:
+    GaussianFilter(RoiSize maxSize, int32_t specBytes, int32_t bufferBytes)
+        : maxSize_(maxSize), bufferBytes_(bufferBytes), spec_(specBytes), buffer_(bufferBytes) {}
+
+    RoiSize maxSize_;
+    int32_t bufferBytes_;
+    Buffer spec_, buffer_;
+};
+
+/**
  * @brief Dilation and erosion by one mask, with the areas that they need.
  * @tparam T        Type of the images.
  * @tparam Channels Their channels.
@@ -1448,6 +1587,88 @@ class Pyramid {
 
     Buffer area_;
     PyramidRecord* record_ = nullptr;
+};
+
+/**
+ * @brief The step from a level of a pyramid to the next smaller one, with the areas that it needs. The kernel is the binomial one.
+ * @tparam T        Type of the images.
+ * @tparam Channels Their channels.
+ */
+template <class T, int Channels = 1>
+requires detail::Exported<detail::kLayerDown<T, Channels>>
+class PyramidDown {
+  public:
+    /**
+     * @brief A step.
+     * @param maxSize The largest source.
+     * @param rate    How much the sizes of the levels differ, 1 < rate <= 10.
+     * @return The object, or the error that prevented it.
+     */
+    static Result<PyramidDown> create(RoiSize maxSize, float rate = 2.0F) {
+        int32_t specBytes = 0, bufferBytes = 0;
+        Status status = detail::kLayerDownSize<T, Channels>(maxSize, rate, 5, &specBytes, &bufferBytes);
+        if (!status) return status;
+        PyramidDown step(specBytes, bufferBytes);
+        status = detail::kLayerDownInit<T, Channels>(maxSize, rate, nullptr, 5, step.spec_.data());
+        return status ? Result<PyramidDown>(std::move(step)) : status;
+    }
+
+    /**
+     * @brief Makes the smaller level.
+     * @param src Source.
+     * @param dst Destination, of a size that belongs to the source's.
+     * @return The C function's status.
+     */
+    Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst) {
+        return detail::kLayerDown<T, Channels>(src.data(), src.step(), src.size(), dst.data(), dst.step(),
+                                               dst.size(), spec_.data(), buffer_.data());
+    }
+
+  private:
+    PyramidDown(int32_t specBytes, int32_t bufferBytes) : spec_(specBytes), buffer_(bufferBytes) {}
+
+    Buffer spec_, buffer_;
+};
+
+/**
+ * @brief The step from a level of a pyramid to the next larger one, with the areas that it needs. The kernel is the binomial one.
+ * @tparam T        Type of the images.
+ * @tparam Channels Their channels.
+ */
+template <class T, int Channels = 1>
+requires detail::Exported<detail::kLayerUp<T, Channels>>
+class PyramidUp {
+  public:
+    /**
+     * @brief A step.
+     * @param maxSize The largest source.
+     * @param rate    How much the sizes of the levels differ, 1 < rate <= 10.
+     * @return The object, or the error that prevented it.
+     */
+    static Result<PyramidUp> create(RoiSize maxSize, float rate = 2.0F) {
+        int32_t specBytes = 0, bufferBytes = 0;
+        Status status = detail::kLayerUpSize<T, Channels>(maxSize, rate, 5, &specBytes, &bufferBytes);
+        if (!status) return status;
+        PyramidUp step(specBytes, bufferBytes);
+        status = detail::kLayerUpInit<T, Channels>(maxSize, rate, nullptr, 5, step.spec_.data());
+        return status ? Result<PyramidUp>(std::move(step)) : status;
+    }
+
+    /**
+     * @brief Makes the larger level.
+     * @param src Source.
+     * @param dst Destination, of a size that belongs to the source's.
+     * @return The C function's status.
+     */
+    Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst) {
+        return detail::kLayerUp<T, Channels>(src.data(), src.step(), src.size(), dst.data(), dst.step(),
+                                             dst.size(), spec_.data(), buffer_.data());
+    }
+
+  private:
+    PyramidUp(int32_t specBytes, int32_t bufferBytes) : spec_(specBytes), buffer_(bufferBytes) {}
+
+    Buffer spec_, buffer_;
 };
 
 /** @} */

@@ -219,6 +219,27 @@ TEST(SeparableFilter, RefusesWhatItIsNotMadeFor) {
     EXPECT_TRUE(filter(source.sub({1, 0, 36, 23}), result.sub({0, 0, 36, 23})));
 }
 
+TEST(GaussianFilter, FiltersAsTheCInterface) {
+    const auto src = randomPixels<uint8_t>(1, 3);
+    const std::array<uint8_t, 3> border{1, 2, 3};
+    int32_t specBytes = 0, initBytes = 0, bufferBytes = 0, added = 0;
+    okpiFilterGaussianGetSpecSize(7, DataType8u, 3, &specBytes, &initBytes);
+    okpiFilterGaussianGetBufferSize(kSize, 7, DataType8u, 3, &added, &bufferBytes);
+    std::vector<char> spec(static_cast<size_t>(specBytes)), init(static_cast<size_t>(initBytes)),
+        buffer(static_cast<size_t>(bufferBytes));
+    okpiFilterGaussianInit(kSize, 7, 1.4F, BorderReplicate, DataType8u, 3, spec.data(), init.data());
+    std::vector<uint8_t> expected(src.size()), ours(src.size());
+    ASSERT_EQ(okpiFilterGaussian_8u_C3R(src.data(), 111, expected.data(), 111, kSize, BorderConstant,
+                                        border.data(), spec.data(), buffer.data()),
+              okpStatusOk);
+
+    auto filter = GaussianFilter<uint8_t, 3>::create(kSize, 7, 1.4F).orThrow();
+    const ImageView<const uint8_t, 3> source(src, kSize);
+    filter(source, ImageView<uint8_t, 3>(ours, kSize), BorderConstant, border).orThrow();
+    EXPECT_EQ(ours, expected);
+    EXPECT_EQ((GaussianFilter<uint8_t, 3>::create(kSize, 6, 1.4F).status()), okpStatusBadArgument);
+}
+
 TEST(Morphology, DilatesAndErodesAsTheCInterface) {
     const auto src = randomPixels<uint8_t>(1);
     const std::array<uint8_t, 9> cross{0, 1, 0, 1, 1, 1, 0, 1, 0};
@@ -310,6 +331,19 @@ TEST(Distance, ReachesTheFarCorner) {
     std::vector<float> chamfer5(kPixels);
     distanceTransform<5>(image, ImageView<float>(chamfer5, kSize), {1, 1, 2}).orThrow();
     EXPECT_EQ(chamfer5.back(), 36);
+}
+
+TEST(PyramidStep, GoesDownAndUp) {
+    const std::vector<float> flat(kPixels, 3.5F);
+    const RoiSize half{19, 12};
+    std::vector<float> small(static_cast<size_t>(half.width * half.height)), large(kPixels);
+    auto down = PyramidDown<float>::create(kSize).orThrow();
+    auto up = PyramidUp<float>::create(half).orThrow();
+    const ImageView<float> level(small, half);
+    down(ImageView<const float>(flat, kSize), level).orThrow();
+    up(level, ImageView<float>(large, kSize)).orThrow();
+    EXPECT_EQ(large, flat);
+    EXPECT_EQ(down(ImageView<const float>(flat, kSize), level.sub({0, 0, 18, 12})), okpStatusBadSize);
 }
 
 TEST(Pyramid, HoldsTheSizesOfTheLevels) {

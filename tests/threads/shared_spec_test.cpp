@@ -64,6 +64,14 @@ TEST(SharedSpec, OfASeparableFilter) {
         SeparableFilter<uint8_t, int16_t>::create(kSize, integers, integers, 4).orThrow(), call);
 }
 
+TEST(SharedSpec, OfAGaussianFilter) {
+    const auto call = [](const auto& filter, auto src, auto dst, const Buffer& buffer) {
+        return filter(src, dst, BorderReplicate, 0, buffer);
+    };
+    expectSame<float, float>(GaussianFilter<float>::create(kSize, 5, 1.4F).orThrow(), call);
+    expectSame<uint8_t, uint8_t>(GaussianFilter<uint8_t>::create(kSize, 7, 2.0F).orThrow(), call);
+}
+
 TEST(SharedSpec, OfAMask) {
     const std::array<uint8_t, 9> cross{0, 1, 0, 1, 1, 1, 0, 1, 0};
     const auto dilate = [](const auto& mask, auto src, auto dst, const Buffer& buffer) {
