@@ -168,7 +168,8 @@ struct Picture {
 std::vector<Picture> draw(const std::map<std::string, std::vector<const Result*>>& families) {
     std::vector<Dots> ratios;
     std::map<std::string, std::map<double, double>> bySize, byNumber;
-    static const std::regex variant("(.*/(?:k|rectangle|disc))([0-9]+)(-float)?");
+    // The types used most are enough to see it.
+    static const std::regex variant("(.*_(?:8u|32f)_C1R/(?:k|rectangle|disc))([0-9]+)(-float)?");
     for (const auto& [family, results] : families) {
         Dots row{family, Summary(results).ratios};
         if (!row.values.empty()) ratios.push_back(std::move(row));
