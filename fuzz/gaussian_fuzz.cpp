@@ -109,7 +109,7 @@ void fixedMask(F function, Data& data) {
 template <class T, class F>
 void kernel(F function, Data& data) {
     const int32_t size = data.between(1, 60);
-    fuzz::Block coefficients(data, size * int64_t{sizeof(T)});
+    fuzz::Block coefficients(data, size * int64_t{sizeof(T)}, alignof(T));
     const int32_t told = data.oneIn(4) ? data.between(INT32_MIN, 0) : size;
     auto* const first = data.oneIn(9) ? nullptr : reinterpret_cast<T*>(coefficients.begin());
     Call::check(function(first, told, data.oneIn(3) ? data.any<int32_t>() : data.between(0, size),

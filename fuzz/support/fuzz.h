@@ -85,11 +85,11 @@ class Data {
     FuzzedDataProvider provider_;
 };
 
-// Exactly so many bytes, at any alignment; the address sanitizer guards both ends.
+// Exactly so many bytes, at any alignment or one that is given; the address sanitizer guards both ends.
 class Block {
   public:
-    Block(Data& data, int64_t bytes)
-        : lead_(data.between<size_t>(0, 15)),
+    Block(Data& data, int64_t bytes, size_t alignment = 1)
+        : lead_(data.between<size_t>(0, 15) / alignment * alignment),
           bytes_(static_cast<size_t>(bytes)),
           memory_(std::make_unique<uint8_t[]>(lead_ + bytes_)) {}
 
@@ -188,10 +188,11 @@ class Call {
         return image;
     }
 
-    // Memory that is not an image: values to read, and places for results, buffers and specs.
+    // Memory that is not an image: values to read, and places for results, buffers and specs. Values are aligned as
+    // their type is; bytes, as pixels, are not.
     template <class T>
     const T* input(int64_t count) {
-        Block& block = blocks_.emplace_back(data_, count * int64_t{sizeof(T)});
+        Block& block = blocks_.emplace_back(data_, count * int64_t{sizeof(T)}, alignof(T));
         block.fill(data_);
         return pointer(reinterpret_cast<const T*>(block.begin()));
     }
