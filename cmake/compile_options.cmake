@@ -44,8 +44,7 @@ endfunction()
 function(okpcv_shared_library target)
   set_target_properties(${target} PROPERTIES
     LINKER_LANGUAGE C
-    BUILD_RPATH_USE_ORIGIN ON
-    BUILD_RPATH "$ORIGIN"
+    BUILD_WITH_INSTALL_RPATH ON
     INSTALL_RPATH "$ORIGIN")
   target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now -Wl,--enable-new-dtags -Wl,--as-needed)
   if(OKPCV_SANITIZE OR OKPCV_COVERAGE)

@@ -202,7 +202,8 @@ OKPCV_API okpStatus okpiDistanceTransform_5x5_8u_C1IR(uint8_t* pSrcDst, int32_t 
  * @param[out] pBufferSize Size in bytes.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: @p pBufferSize is null;
- *         - #okpStatusBadSize: width or height below 1, or so large that the size exceeds 2147483647.
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusSizeTooLarge: the size exceeds 2147483647.
  */
 OKPCV_API okpStatus okpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RoiSize roiSize, int32_t* pBufferSize);
 
@@ -233,7 +234,8 @@ OKPCV_API okpStatus okpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RoiSize roi
  * @param      pBuffer Work buffer, at any address.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
- *         - #okpStatusBadSize: width or height below 1, or so large that no buffer size exists;
+ *         - #okpStatusBadSize: width or height below 1;
+ *         - #okpStatusSizeTooLarge: they are so large that no buffer size exists;
  *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
  *         - #okpStatusStepNotMultiple: the destination's step no multiple of 4.
  */

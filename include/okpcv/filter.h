@@ -52,7 +52,7 @@
  *         - #okpStatusNullPointer: the result pointer is null;
  *         - #okpStatusBadDataType: another kernel type;
  *         - #okpStatusBadNumChannels: another number of channels;
- *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ *         - #okpStatusSizeTooLarge: the number of bytes does not fit the result.
  */
 OKPCV_API okpStatus okpiFilterSeparableGetSpecSize(RoiSize kernelSize, DataTypeCode kernelType,
                                                    int32_t numChannels, int32_t* pSpecSize);
@@ -81,7 +81,7 @@ OKPCV_API okpStatus okpiFilterSeparableGetSpecSize_L(RoiSize kernelSize, DataTyp
  *         - #okpStatusNullPointer: the result pointer is null;
  *         - #okpStatusBadDataType: another type of source or kernel;
  *         - #okpStatusBadNumChannels: another number of channels;
- *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ *         - #okpStatusSizeTooLarge: the number of bytes does not fit the result.
  */
 OKPCV_API okpStatus okpiFilterSeparableGetBufferSize(RoiSize roiSize, RoiSize kernelSize,
                                                      DataTypeCode dataType, DataTypeCode kernelType,
@@ -182,7 +182,8 @@ OKPCV_API okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const
  *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
  *         - #okpStatusNullPointer: the spec is not initialised (its bytes are zero);
  *         - #okpStatusBadBorder: another border kind;
- *         - #okpStatusNullPointer: a constant border's pointer to its values is null.
+ *         - #okpStatusNullPointer: a constant border's pointer to its values is null;
+ *         - #okpStatusSizeTooLarge: the region is too wide for 64-bit arithmetic.
  */
 OKPCV_API okpStatus okpiFilterSeparable_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                int32_t dstStep, RoiSize roiSize, BorderKind borderType,
@@ -774,7 +775,7 @@ OKPCV_API okpStatus okpiFilterColumnPipeline_Low_16s_C3R(const int16_t* const* p
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: the result pointer is null;
  *         - #okpStatusBadSize: width, height or kernel length below 1;
- *         - #okpStatusBadSize: the number of bytes does not fit the result.
+ *         - #okpStatusSizeTooLarge: the number of bytes does not fit the result.
  */
 OKPCV_API okpStatus okpiFilterRowBorderPipelineGetBufferSize_16s_C1R(RoiSize roiSize, int32_t kernelSize,
                                                                      int32_t* pBufferSize);

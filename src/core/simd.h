@@ -211,6 +211,12 @@ OKPCV_INLINE Vec<T> load(const T* p, Part part) {
     return bitCast<T>(Vec<int32_t>{detail::loadBytes(p, part.count * int{sizeof(T)})});
 }
 
+// From an address that is a multiple of kVectorBytes: instructions may then take it as an operand.
+template <class T>
+OKPCV_INLINE Vec<T> loadAligned(const T* p) {
+    return bitCast<T>(Vec<int32_t>{_mm_load_si128(reinterpret_cast<const __m128i*>(p))});
+}
+
 template <class T>
 OKPCV_INLINE void store(T* p, Vec<T> v) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bitCast<int32_t>(v).raw);
@@ -651,6 +657,10 @@ OKPCV_INLINE Vec<T> mulHigh(Vec<T> a, Vec<T> b) {
     static_assert(sizeof(T) == 2);
     return {std::is_signed_v<T> ? _mm_mulhi_epi16(a.raw, b.raw) : _mm_mulhi_epu16(a.raw, b.raw)};
 }
+// The product as a fraction of 2^15, rounded half up: (a * b + 2^14) >> 15 (signed 16-bit).
+OKPCV_INLINE Vec<int16_t> mulFraction(Vec<int16_t> a, Vec<int16_t> b) {
+    return {_mm_mulhrs_epi16(a.raw, b.raw)};
+}
 // |a - b| summed over each group of eight bytes.
 OKPCV_INLINE Vec<uint64_t> sumAbsDiff(Vec<uint8_t> a, Vec<uint8_t> b) {
     return {_mm_sad_epu8(a.raw, b.raw)};
@@ -813,6 +823,13 @@ template <class T>
 OKPCV_INLINE Vec<T> oddLanes(Vec<T> a, Vec<T> b) {
     static_assert(sizeof(T) == 4);
     return bitCast<T>(Vec<float>{_mm_shuffle_ps(bitCast<float>(a).raw, bitCast<float>(b).raw, 0xDD)});
+}
+// a0 a4 a1 a5 a2 a6 a3 a7: the first half of the lanes interleaved with the second (16-bit).
+template <class T>
+OKPCV_INLINE Vec<T> interleaveHalves(Vec<T> a) {
+    static_assert(sizeof(T) == 2);
+    const __m128i order = _mm_set_epi8(15, 14, 7, 6, 13, 12, 5, 4, 11, 10, 3, 2, 9, 8, 1, 0);
+    return {_mm_shuffle_epi8(a.raw, order)};
 }
 // The bytes of each lane in the opposite order.
 template <class T>

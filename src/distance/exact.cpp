@@ -57,7 +57,7 @@ int64_t bufferBytes(Size size) {
 
 // A size whose buffer size no caller can ask for is refused; the others' counts stay far inside 32 bits.
 Checks& checkSize(Checks& checks, Size size) {
-    return checks.size(size).require(bufferBytes(size) <= INT32_MAX, okpStatusBadSize);
+    return checks.size(size).require(bufferBytes(size) <= INT32_MAX, okpStatusSizeTooLarge);
 }
 
 // Whether rounding cannot change a result. Below this size all sums are exact, and a bound, being at most the

@@ -20,9 +20,14 @@
 namespace okpcv {
 namespace {
 
-template <class V>
-OKPCV_INLINE V twice(V v) {
-    return v + v;
+// v * 2^kBits. Floats are multiplied, because additions are what their masks are full of.
+template <int kBits>
+OKPCV_INLINE Vec<int16_t> scaled(Vec<int16_t> v) {
+    return kBits == 1 ? v + v : shiftLeft(v, kBits);
+}
+template <int kBits>
+OKPCV_INLINE Vec<float> scaled(Vec<float> v) {
+    return v * broadcast(float{1 << kBits});
 }
 
 // A sum of nothing but negative zeros is +0, as of all filters.
@@ -58,11 +63,10 @@ struct Mean {
     static OKPCV_INLINE Vec<float> finished(Vec<float> sum) {
         return withoutNegativeZero(sum) / broadcast(float{length * length});
     }
-    // Rounded half up. The factors are exact for all sums of bytes: 7282 / 2^16 for 9, 5243 / 2^17 for 25.
+    // Rounded half up. The factors are exact for all sums of bytes: 3641 / 2^15 for 9, 5243 / 2^17 for 25.
     static OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> sum) {
-        constexpr int16_t half = length * length / 2;
-        if constexpr (length == 3) return mulHigh(sum + broadcast(half), broadcast(int16_t{7282}));
-        return shiftRight(mulHigh(sum + broadcast(half), broadcast(int16_t{5243})), 1);
+        if constexpr (length == 3) return mulFraction(sum, broadcast(int16_t{3641}));
+        return shiftRight(mulHigh(sum + broadcast(int16_t{12}), broadcast(int16_t{5243})), 1);
     }
 };
 
@@ -94,8 +98,8 @@ struct Cross5 {
     };
 
     static OKPCV_INLINE Row row(const V (&x)[length]) {
-        const V sum = twice(x[3]) - (x[0] + twice(x[1])) + x[4];
-        return {sum, twice(sum)};
+        const V sum = scaled<1>(x[3]) - (x[0] + scaled<1>(x[1])) + x[4];
+        return {sum, scaled<1>(sum)};
     }
     template <int J>
     static OKPCV_INLINE void add(V& sum, const Row& row) {
@@ -119,14 +123,14 @@ struct Laplacian3 {
         V sides, centre;
     };
 
-    static OKPCV_INLINE Row row(const V (&x)[length]) { return {x[0] + x[2], twice(twice(x[1]))}; }
+    static OKPCV_INLINE Row row(const V (&x)[length]) { return {x[0] + x[2], scaled<2>(x[1])}; }
     template <int J>
     static OKPCV_INLINE void add(V& sum, const Row& row) {
         if constexpr (J == 0) sum = row.sides;
         if constexpr (J == 1) sum = sum - row.centre;
         if constexpr (J == 2) sum = sum + row.sides;
     }
-    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(twice(sum)); }
+    static OKPCV_INLINE V finished(V sum) { return scaled<1>(sum); }
 };
 
 // Twice 1   2   2   2 1
@@ -146,9 +150,8 @@ struct Laplacian5 {
     static OKPCV_INLINE Row row(const V (&x)[length]) {
         const V ends = x[0] + x[4];
         const V inner = x[1] + x[3];
-        const V centre = twice(x[2]);
-        const V between = twice(ends) - twice(centre);
-        return {ends + twice(inner + x[2]), between, between - twice(twice(inner + centre))};
+        const V between = scaled<1>(ends) - scaled<2>(x[2]);
+        return {ends + scaled<1>(inner + x[2]), between, between - scaled<2>(inner + scaled<1>(x[2]))};
     }
     template <int J>
     static OKPCV_INLINE void add(V& sum, const Row& row) {
@@ -158,7 +161,7 @@ struct Laplacian5 {
             sum = sum + (J == 4 ? row.outer : J == 2 ? row.middle : row.between);
         }
     }
-    static OKPCV_INLINE V finished(V sum) { return withoutNegativeZero(twice(sum)); }
+    static OKPCV_INLINE V finished(V sum) { return scaled<1>(sum); }
 };
 
 // ---- The pass -------------------------------------------------------------------------------------------

@@ -40,8 +40,14 @@ constexpr bool isChannelCount(int32_t channels) {
 template <class T, int Channels, class Mid>
 RingShape ringShape(Reach kernel, int64_t width, bool inPlace) {
     using Shapes = RingShapes<Channels, Mid>;
-    const Shapes shapes(kernel, width, Shapes::batchFor(kernel));
+    constexpr int64_t batch = 16;
+    const Shapes shapes(kernel, width, batch);
     return inPlace ? shapes.wholeRows() : shapes.preferred();
+}
+
+template <class T>
+int16_t* takeTable(Area& area, int64_t kernelSize) {
+    return area.take<int16_t>(WordTaps<T>::tableElements(kernelSize), kVectorBytes);
 }
 
 template <class T, int Channels, class Mid>
@@ -49,6 +55,7 @@ int64_t workBytesWith(Reach kernel, int64_t width) {
     int64_t bytes = 0;
     for (const bool inPlace : {false, true}) {
         Area counted;
+        if constexpr (std::is_same_v<Mid, int16_t>) takeTable<T>(counted, kernel.length);
         layOutSeparable<Channels, T, Mid>(counted, kernel, kernel,
                                           ringShape<T, Channels, Mid>(kernel, width, inPlace));
         bytes = std::max(bytes, counted.bytes());
@@ -78,12 +85,10 @@ bool workBytes(int32_t kernelSize, int64_t width, int64_t& bytes) {
 // ---- Filters --------------------------------------------------------------------------------------------
 
 template <class Mid, class T, int Channels, class RowPass, class ColumnPass>
-void run(const SeparableTask<T, Channels, T>& task, void* pBuffer, const Mid* outside, const RowPass& rowPass,
+void run(const SeparableTask<T, Channels, T>& task, Area& area, const Mid* outside, const RowPass& rowPass,
          const ColumnPass& columnPass) {
-    Area placed(pBuffer);
     const auto buffer = layOutSeparable<Channels, T, Mid>(
-        placed, task.row, task.column,
-        ringShape<T, Channels, Mid>(task.row, task.size.width, task.inPlace()));
+        area, task.row, task.column, ringShape<T, Channels, Mid>(task.row, task.size.width, task.inPlace()));
     filterSeparable(task, buffer, outside, rowPass, columnPass);
 }
 
@@ -96,7 +101,8 @@ void filterFloats(const SeparableTask<float, Channels, float>& task, const float
         for (int64_t i = 0; i < task.row.length; ++i) sum += kernel[i];
         for (int c = 0; c < Channels; ++c) outside[c] = task.borderValue[c] * sum;
     }
-    run<float>(task, pBuffer, outside, FoldedRowPass<Channels>{kernel, task.row.length},
+    Area area(pBuffer);
+    run<float>(task, area, outside, FoldedRowPass<Channels>{kernel, task.row.length},
                FoldedColumnPass{kernel, task.column.length, streamed});
 }
 
@@ -104,15 +110,15 @@ void filterFloats(const SeparableTask<float, Channels, float>& task, const float
 template <class T, int Channels, class K>
 void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits, void* pBuffer,
                     bool streamed) {
-    static constexpr int16_t kHalf = 1 << 14;
+    static constexpr int16_t kCentre[] = {0, 1 << 14, 0};
     const auto* kernel = reinterpret_cast<const int16_t*>(taps);
     int64_t sum = 0;
     for (int64_t i = 0; i < task.row.length; ++i) sum += taps[i];
     if (taps[task.row.length / 2] > 32767) {
         // A centre of exactly 1, which signed factors do not reach, has no neighbours of weight.
-        task.row = task.column = Reach::centred(1);
-        kernel = &kHalf;
-        sum = kHalf;
+        task.row = task.column = Reach::centred(3);
+        kernel = kCentre;
+        sum = kCentre[1];
         bits = 14;
     }
 
@@ -123,18 +129,27 @@ void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits,
         }
     }
     if constexpr (sizeof(T) == 1) {
+        if (ThreeTaps::fits(kernel, task.row.length)) {
+            const ThreeTaps threeTaps(kernel);
+            Area area(pBuffer);
+            run<uint8_t>(task, area, outside, ThreeTapRowPass<Channels>{threeTaps},
+                         ThreeTapColumnPass{threeTaps, streamed});
+            return;
+        }
         const ByteTaps byteTaps(kernel, task.row.length);
         if (byteTaps.splits()) {
-            run<uint8_t>(task, pBuffer, outside, ByteRowPass<Channels>{byteTaps},
+            Area area(pBuffer);
+            run<uint8_t>(task, area, outside, ByteRowPass<Channels>{byteTaps},
                          ByteColumnPass{byteTaps, streamed});
             return;
         }
     }
     int16_t biased[Channels];
     for (int c = 0; c < Channels; ++c) biased[c] = static_cast<int16_t>(outside[c] + WordTaps<T>::kBias);
-    const int64_t start = (int64_t{1} << (bits - 1)) - WordTaps<T>::kBias * sum;
-    const WordTaps<T> wordTaps{kernel, task.row.length, bits, static_cast<int32_t>(start)};
-    run<int16_t>(task, pBuffer, biased, WordRowPass<T, Channels>{wordTaps},
+    Area area(pBuffer);
+    int16_t* const table = takeTable<T>(area, task.row.length);
+    const WordTaps<T> wordTaps(kernel, task.row.length, bits, table);
+    run<int16_t>(task, area, biased, WordRowPass<T, Channels>{wordTaps},
                  WordColumnPass<T>{wordTaps, streamed});
 }
 

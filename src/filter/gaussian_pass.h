@@ -61,18 +61,13 @@ class ByteTaps {
     bool splits() const { return splits_; }
     int64_t length() const { return length_; }
 
-    // The digits of the taps 2 * pair and 2 * pair + 1 (0 where there is none) in all pairs of lanes; of the
-    // last tap also the other way round.
+    // The digits of the taps 2 * pair and 2 * pair + 1 in all pairs of lanes; of pair length() / 2 those of
+    // the last tap and 0, and of the one behind it the same the other way round.
     OKPCV_INLINE Vec<int8_t> high(int64_t pair) const { return load(high_[pair]); }
     OKPCV_INLINE Vec<int8_t> low(int64_t pair) const { return load(low_[pair]); }
-    OKPCV_INLINE Vec<int8_t> lastHigh() const { return load(high_[length_ / 2 + 1]); }
-    OKPCV_INLINE Vec<int8_t> lastLow() const { return load(low_[length_ / 2 + 1]); }
 
     OKPCV_INLINE Vec<int16_t> start() const { return broadcast(static_cast<int16_t>(1 << (11 - digit_))); }
-    // Of sums of highs, which began with start(), and of lows.
-    OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> highs, Vec<int16_t> lows) const {
-        return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(highs + shiftRight(lows, digit_)), 12 - digit_));
-    }
+    OKPCV_INLINE int digit() const { return digit_; }
 
   private:
     static constexpr int32_t kLargestSum = 4103;  // of coefficients: then no result exceeds 255
@@ -108,6 +103,7 @@ class ByteTaps {
         fill(low_[length_ / 2 + 1], 0, lows[length_ - 1]);
         return true;
     }
+    static OKPCV_INLINE Vec<int8_t> load(const int8_t* p) { return loadAligned(p); }
     static void fill(int8_t* lanes, int8_t first, int8_t second) {
         store(lanes, interleaveLow(broadcast(first), broadcast(second)));
     }
@@ -120,45 +116,65 @@ class ByteTaps {
     bool splits_ = false;
 };
 
-// The taps of a kernel whose length the code knows, or of any (Length 0): calls body(i) for the pairs of taps
-// before the last tap.
-template <int Length, class Body>
-OKPCV_INLINE void forPairs(int64_t length, const Body& body) {
-    if constexpr (Length != 0) {
-        unrolled<Length / 2>([&](auto pair) OKPCV_INLINE_LAMBDA { body(int64_t{pair}); });
-    } else {
-        for (int64_t pair = 0; pair < length / 2; ++pair) body(pair);
+// The taps of a kernel whose length the code knows, or of any (Length 0), for the time of one pass: what
+// would be read again after every store, which might have changed it for all the compiler knows, is copied.
+template <int Length>
+class PassTaps {
+  public:
+    OKPCV_INLINE explicit PassTaps(const ByteTaps& byteTaps)
+        : taps(byteTaps), start(taps.start()), length_(taps.length()), digit_(taps.digit()) {}
+
+    const ByteTaps& taps;
+    const Vec<int16_t> start;
+
+    OKPCV_INLINE int64_t length() const { return Length != 0 ? Length : length_; }
+    // Calls body(i) for the pairs of taps before the last tap.
+    template <class Body>
+    OKPCV_INLINE void forPairs(const Body& body) const {
+        if constexpr (Length != 0) {
+            unrolled<Length / 2>([&](auto pair) OKPCV_INLINE_LAMBDA { body(int64_t{pair}); });
+        } else {
+            for (int64_t pair = 0; pair < length_ / 2; ++pair) body(pair);
+        }
     }
-}
+    // Of sums of highs, which began with `start`, and of lows.
+    OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> highs, Vec<int16_t> lows) const {
+        return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(highs + shiftRight(lows, digit_)), 12 - digit_));
+    }
+
+  private:
+    int64_t length_;
+    int digit_;
+};
 
 // One vector of results; Tap is a function that gives the address seen by tap i.
 //
 // Bound, per two taps and sixteen elements: two loads, two interleavings, four multiply-add instructions and
 // four additions.
-template <int Length, class Tap, class Extent>
-OKPCV_INLINE Vec<uint8_t> byteResults(const ByteTaps& taps, const Tap& tap, Extent extent) {
-    Vec<int16_t> highs[2] = {taps.start(), taps.start()};
+template <class Taps, class Tap, class Extent>
+OKPCV_INLINE Vec<uint8_t> byteResults(const Taps& taps, const Tap& tap, Extent extent) {
+    Vec<int16_t> highs[2] = {taps.start, taps.start};
     Vec<int16_t> lows[2] = {zeros<int16_t>(), zeros<int16_t>()};
     const auto add = [&](Vec<uint8_t> a, Vec<uint8_t> b, int64_t pair) OKPCV_INLINE_LAMBDA {
         const Vec<uint8_t> first = interleaveLow(a, b);
         const Vec<uint8_t> second = interleaveHigh(a, b);
-        highs[0] = highs[0] + mulAddPairs(first, taps.high(pair));
-        highs[1] = highs[1] + mulAddPairs(second, taps.high(pair));
-        lows[0] = lows[0] + mulAddPairs(first, taps.low(pair));
-        lows[1] = lows[1] + mulAddPairs(second, taps.low(pair));
+        accumulate(highs[0], mulAddPairs(first, taps.taps.high(pair)));
+        accumulate(highs[1], mulAddPairs(second, taps.taps.high(pair)));
+        accumulate(lows[0], mulAddPairs(first, taps.taps.low(pair)));
+        accumulate(lows[1], mulAddPairs(second, taps.taps.low(pair)));
     };
-    const int64_t length = Length != 0 ? Length : taps.length();
-    forPairs<Length>(length, [&](int64_t pair) OKPCV_INLINE_LAMBDA {
+    taps.forPairs([&](int64_t pair) OKPCV_INLINE_LAMBDA {
         add(load(tap(2 * pair), extent), load(tap(2 * pair + 1), extent), pair);
     });
-    add(load(tap(length - 1), extent), zeros<uint8_t>(), length / 2);
+    add(load(tap(taps.length() - 1), extent), zeros<uint8_t>(), taps.length() / 2);
     return narrowSaturated<uint8_t>(taps.finished(highs[0], lows[0]), taps.finished(highs[1], lows[1]));
 }
 
 // The same of neighbouring elements of a row of one channel. A load at the first of two taps has the two
 // neighbours in place for even elements, a load one further on for odd ones: nothing is interleaved.
-template <int Length, class Extent>
-OKPCV_INLINE Vec<uint8_t> byteResultsOfNeighbours(const ByteTaps& taps, const uint8_t* in, Extent extent) {
+template <int N, class Taps, class Extent>
+OKPCV_INLINE void byteResultsOfNeighbours(Vec<uint8_t> (&results)[N], const Taps& taps, const uint8_t* in,
+                                          Extent extent) {
     const auto oneMore = [](auto e) OKPCV_INLINE_LAMBDA {
         if constexpr (std::is_same_v<decltype(e), Part>) {
             return Part{e.count + 1};
@@ -166,24 +182,34 @@ OKPCV_INLINE Vec<uint8_t> byteResultsOfNeighbours(const ByteTaps& taps, const ui
             return e;
         }
     };
-    Vec<int16_t> evenHighs = taps.start(), oddHighs = taps.start();
-    Vec<int16_t> evenLows = zeros<int16_t>(), oddLows = zeros<int16_t>();
-    const auto add = [&](Vec<uint8_t> even, Vec<uint8_t> odd, Vec<int8_t> evenHigh, Vec<int8_t> evenLow,
-                         Vec<int8_t> oddHigh, Vec<int8_t> oddLow) OKPCV_INLINE_LAMBDA {
-        evenHighs = evenHighs + mulAddPairs(even, evenHigh);
-        oddHighs = oddHighs + mulAddPairs(odd, oddHigh);
-        evenLows = evenLows + mulAddPairs(even, evenLow);
-        oddLows = oddLows + mulAddPairs(odd, oddLow);
-    };
-    const int64_t length = Length != 0 ? Length : taps.length();
-    forPairs<Length>(length, [&](int64_t pair) OKPCV_INLINE_LAMBDA {
-        add(load(in + 2 * pair, oneMore(extent)), load(in + 2 * pair + 1, extent), taps.high(pair),
-            taps.low(pair), taps.high(pair), taps.low(pair));
+    constexpr int lanes = Vec<uint8_t>::lanes;
+    Vec<int16_t> evenHighs[N], oddHighs[N], evenLows[N], oddLows[N];
+    for (int v = 0; v < N; ++v) {
+        evenHighs[v] = oddHighs[v] = taps.start;
+        evenLows[v] = oddLows[v] = zeros<int16_t>();
+    }
+    const auto add = [&](int v, Vec<uint8_t> even, Vec<uint8_t> odd, int64_t evenPair, int64_t oddPair)
+                         OKPCV_INLINE_LAMBDA {
+                             accumulate(evenHighs[v], mulAddPairs(even, taps.taps.high(evenPair)));
+                             accumulate(oddHighs[v], mulAddPairs(odd, taps.taps.high(oddPair)));
+                             accumulate(evenLows[v], mulAddPairs(even, taps.taps.low(evenPair)));
+                             accumulate(oddLows[v], mulAddPairs(odd, taps.taps.low(oddPair)));
+                         };
+    const uint8_t* p = in;
+    taps.forPairs([&](int64_t pair) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < N; ++v) {
+            const uint8_t* const at = p + v * lanes;
+            add(v, load(at, oneMore(extent)), load(at + 1, extent), pair, pair);
+        }
+        p += 2;
     });
-    const Vec<uint8_t> last = load(in + length - 1, extent);
-    add(last, last, taps.high(length / 2), taps.low(length / 2), taps.lastHigh(), taps.lastLow());
-    return bitCast<uint8_t>(taps.finished(evenHighs, evenLows) |
-                            shiftLeft(taps.finished(oddHighs, oddLows), 8));
+    const int64_t last = taps.length() / 2;
+    for (int v = 0; v < N; ++v) {
+        const Vec<uint8_t> in0 = load(p + v * lanes, extent);
+        add(v, in0, in0, last, last + 1);
+        results[v] = bitCast<uint8_t>(taps.finished(evenHighs[v], evenLows[v]) |
+                                      shiftLeft(taps.finished(oddHighs[v], oddLows[v]), 8));
+    }
 }
 
 // Calls run(std::integral_constant) with the length if code is dedicated to it, with 0 otherwise.
@@ -196,6 +222,8 @@ OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
             return run(std::integral_constant<int, 5>{});
         case 7:
             return run(std::integral_constant<int, 7>{});
+        case 9:
+            return run(std::integral_constant<int, 9>{});
         default:
             return run(std::integral_constant<int, 0>{});
     }
@@ -207,14 +235,22 @@ struct ByteRowPass {
 
     __attribute__((noinline)) void operator()(uint8_t* out, const uint8_t* in, int64_t count) const {
         withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
-            forBlocks<1, Vec<uint8_t>::lanes>(count, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                if constexpr (Channels == 1) {
-                    store(out + x, byteResultsOfNeighbours<length>(taps, in + x, extent), extent);
-                } else {
-                    const auto tap = [p = in + x](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * Channels; };
-                    store(out + x, byteResults<length>(taps, tap, extent), extent);
-                }
-            });
+            const PassTaps<length> passTaps(taps);
+            constexpr int lanes = Vec<uint8_t>::lanes;
+            forBlocks<length == 0 && Channels == 1 ? 2 : 1, lanes>(
+                count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                    Vec<uint8_t> results[block.vectors];
+                    if constexpr (Channels == 1) {
+                        byteResultsOfNeighbours(results, passTaps, in + x, extent);
+                    } else {
+                        for (int v = 0; v < block.vectors; ++v) {
+                            const auto tap = [p = in + x + v * lanes](int64_t i)
+                                                 OKPCV_INLINE_LAMBDA { return p + i * Channels; };
+                            results[v] = byteResults(passTaps, tap, extent);
+                        }
+                    }
+                    for (int v = 0; v < block.vectors; ++v) store(out + x + v * lanes, results[v], extent);
+                });
         });
     }
 };
@@ -228,6 +264,7 @@ struct ByteColumnPass {
         constexpr int lanes = Vec<uint8_t>::lanes;
         const Image<uint8_t> dst{out, step};
         withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
+            const PassTaps<length> passTaps(taps);
             forStored<kCacheLineBytes / kVectorBytes>(
                 out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
                     for (int64_t r = 0; r < outRows; ++r) {
@@ -235,11 +272,75 @@ struct ByteColumnPass {
                             const int64_t at = x + v * lanes;
                             const auto tap = [row = rows + r, at](int64_t i)
                                                  OKPCV_INLINE_LAMBDA { return row[i] + at; };
-                            store(dst.row(r) + at, byteResults<length>(taps, tap, extent), extent);
+                            store(dst.row(r) + at, byteResults(passTaps, tap, extent), extent);
                         }
                     }
                 });
         });
+    }
+};
+
+// ---- 8-bit images, three taps ---------------------------------------------------------------------------
+
+// A kernel k, 4096 - 2 k, k: its sum is one, so that
+//
+//     (sum + 2^11) >> 12 = centre + ((k * (left + right - 2 * centre) + 2^11) >> 12).
+struct ThreeTaps {
+    Vec<int16_t> factor;
+
+    static bool fits(const int16_t* kernel, int64_t length) {
+        return length == 3 && 2 * coefficient(kernel, 0) + coefficient(kernel, 1) == 4096;
+    }
+    explicit ThreeTaps(const int16_t* kernel)
+        : factor(broadcast(static_cast<int16_t>(8 * coefficient(kernel, 0)))) {}
+
+    // Bound, per sixteen elements: six loads that widen and ten other instructions.
+    template <class Extent>
+    OKPCV_INLINE Vec<uint8_t> results(const uint8_t* left, const uint8_t* centre, const uint8_t* right,
+                                      Extent extent) const {
+        const auto half = [&](int at) OKPCV_INLINE_LAMBDA {
+            const auto elements = [&](const uint8_t* p) OKPCV_INLINE_LAMBDA {
+                return loadAs<int16_t>(p + at, extent.from(at));
+            };
+            const Vec<int16_t> c = elements(centre);
+            return c + mulFraction(elements(left) + elements(right) - (c + c), factor);
+        };
+        return narrowSaturated<uint8_t>(half(0), half(Vec<int16_t>::lanes));
+    }
+};
+
+template <int Channels>
+struct ThreeTapRowPass {
+    ThreeTaps taps;
+
+    __attribute__((noinline)) void operator()(uint8_t* out, const uint8_t* in, int64_t count) const {
+        const ThreeTaps t = taps;
+        forBlocks<1, Vec<uint8_t>::lanes>(count, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            const uint8_t* const p = in + x;
+            store(out + x, t.results(p, p + Channels, p + 2 * Channels, extent), extent);
+        });
+    }
+};
+
+struct ThreeTapColumnPass {
+    ThreeTaps taps;
+    bool streamed;
+
+    __attribute__((noinline)) void operator()(uint8_t* out, int64_t step, int64_t outRows,
+                                              const uint8_t* const* rows, int64_t count) const {
+        constexpr int lanes = Vec<uint8_t>::lanes;
+        const ThreeTaps t = taps;
+        const Image<uint8_t> dst{out, step};
+        forStored<kCacheLineBytes / kVectorBytes>(
+            out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                for (int64_t r = 0; r < outRows; ++r) {
+                    for (int v = 0; v < block.vectors; ++v) {
+                        const int64_t at = x + v * lanes;
+                        store(dst.row(r) + at,
+                              t.results(rows[r] + at, rows[r + 1] + at, rows[r + 2] + at, extent), extent);
+                    }
+                }
+            });
     }
 };
 
@@ -249,13 +350,32 @@ struct ByteColumnPass {
 // kept less 32768, in rows and between the passes, to fit the signed factors of the multiply-add
 // instructions; what that takes from a sum is part of the sum's start. Sums are formed modulo 2^32.
 template <class T>
-struct WordTaps {
-    const int16_t* kernel;
-    int64_t length;
-    int bits;
-    int32_t start;
-
+class WordTaps {
+  public:
     static constexpr int16_t kBias = std::is_same_v<T, uint16_t> ? -32768 : 0;
+
+    // Elements of the table for a kernel of a length.
+    static constexpr int64_t tableElements(int64_t length) { return (length / 2 + 2) * kLanes; }
+
+    // `table` must be aligned for vectors.
+    WordTaps(const int16_t* kernel, int64_t length, int bits, int16_t* table)
+        : table_(table), length_(length), bits_(bits) {
+        int64_t sum = 0;
+        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        start_ = static_cast<int32_t>((int64_t{1} << (bits - 1)) - kBias * sum);
+        const int64_t pairs = length / 2;
+        for (int64_t i = 0; i < pairs; ++i) store(table + i * kLanes, coefficientPair(kernel, 2 * i));
+        const Vec<int16_t> last = coefficientAndZero(kernel, length - 1);
+        store(table + pairs * kLanes, last);
+        store(table + (pairs + 1) * kLanes, bitCast<int16_t>(shiftLeft(bitCast<int32_t>(last), 16)));
+    }
+
+    int64_t length() const { return length_; }
+    int64_t pairs() const { return length_ / 2; }
+    // The coefficients 2 * i and 2 * i + 1 in all pairs of lanes; of i = pairs() the last one and 0, of
+    // pairs() + 1 the same the other way round.
+    OKPCV_INLINE Vec<int16_t> pair(int64_t i) const { return loadAligned(table_ + i * kLanes); }
+    OKPCV_INLINE Vec<int32_t> start() const { return broadcast(start_); }
 
     template <class Extent>
     static OKPCV_INLINE Vec<int16_t> elements(const T* p, Extent extent) {
@@ -276,44 +396,58 @@ struct WordTaps {
         if constexpr (std::is_same_v<T, uint16_t>) {
             // Sums are not negative and may need all 32 bits.
             const auto shifted = [&](Vec<int32_t> v) OKPCV_INLINE_LAMBDA {
-                return bitCast<int32_t>(shiftRight(bitCast<uint32_t>(v), bits));
+                return bitCast<int32_t>(shiftRight(bitCast<uint32_t>(v), bits_));
             };
             return withBias(bitCast<int16_t>(narrowSaturated<uint16_t>(shifted(low), shifted(high))));
         } else {
-            const Vec<int16_t> v = narrowSaturated<int16_t>(shiftRight(low, bits), shiftRight(high, bits));
+            const Vec<int16_t> v = narrowSaturated<int16_t>(shiftRight(low, bits_), shiftRight(high, bits_));
             if constexpr (sizeof(T) == 1) return min(v, broadcast(int16_t{255}));
             return v;
         }
     }
+
+  private:
+    static constexpr int kLanes = Vec<int16_t>::lanes;
+
+    const int16_t* table_;
+    int64_t length_;
+    int bits_;
+    int32_t start_;
 };
 
 // Bound, per two taps and eight elements of one channel: two loads, two multiply-add instructions and two
 // additions; of several channels two interleavings more.
 template <class T, int Channels>
 struct WordRowPass {
-    WordTaps<T> taps;
+    const WordTaps<T>& wordTaps;
 
     __attribute__((noinline)) void operator()(int16_t* out, const T* in, int64_t count) const {
-        forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            constexpr int n = block.vectors;
-            const T* p = in + x;
-            Vec<int32_t> first[n], second[n];
-            for (int g = 0; g < n; ++g) first[g] = second[g] = broadcast(taps.start);
-            int64_t i = 0;
-            for (; i + 2 <= taps.length; i += 2, p += 2 * Channels) {
-                const Vec<int16_t> c = coefficientPair(taps.kernel, i);
-                for (int g = 0; g < n; ++g) addPair(first[g], second[g], c, p + g * lanes, extent);
-            }
-            const Vec<int16_t> c = coefficientAndZero(taps.kernel, i);
-            for (int g = 0; g < n; ++g) {
-                addLast(first[g], second[g], c, p + g * lanes, extent);
-                if constexpr (Channels == 1) {
-                    const Vec<int32_t> low = interleaveLow(first[g], second[g]);
-                    second[g] = interleaveHigh(first[g], second[g]);
-                    first[g] = low;
+        const WordTaps<T> taps = wordTaps;
+        withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
+            const int64_t pairs = length != 0 ? length / 2 : taps.pairs();
+            const Vec<int32_t> start = taps.start();
+            forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                constexpr int n = block.vectors;
+                const T* p = in + x;
+                Vec<int32_t> first[n], second[n];
+                for (int v = 0; v < n; ++v) first[v] = second[v] = start;
+                const auto add = [&](int64_t i) OKPCV_INLINE_LAMBDA {
+                    const Vec<int16_t> c = taps.pair(i);
+                    for (int v = 0; v < n; ++v) addPair(first[v], second[v], c, p + v * lanes, extent);
+                    p += 2 * Channels;
+                };
+                if constexpr (length != 0) {
+                    unrolled<length / 2>([&](auto i) OKPCV_INLINE_LAMBDA { add(i); });
+                } else {
+                    for (int64_t i = 0; i < pairs; ++i) add(i);
                 }
-                store(out + x + g * lanes, taps.results(first[g], second[g]), extent);
-            }
+                for (int v = 0; v < n; ++v) {
+                    addLast(first[v], second[v], taps.pair(pairs), taps.pair(pairs + 1), p + v * lanes,
+                            extent);
+                    const Vec<int16_t> results = taps.results(first[v], second[v]);
+                    store(out + x + v * lanes, Channels == 1 ? interleaveHalves(results) : results, extent);
+                }
+            });
         });
     }
 
@@ -333,73 +467,118 @@ struct WordRowPass {
                     return e;
                 }
             };
-            first = first + mulAddPairs(WordTaps<T>::elements(p, oneMore(extent)), c);
-            second = second + mulAddPairs(WordTaps<T>::elements(p + 1, extent), c);
+            accumulate(first, mulAddPairs(WordTaps<T>::elements(p, oneMore(extent)), c));
+            accumulate(second, mulAddPairs(WordTaps<T>::elements(p + 1, extent), c));
         } else {
             const Vec<int16_t> a = WordTaps<T>::elements(p, extent);
             const Vec<int16_t> b = WordTaps<T>::elements(p + Channels, extent);
-            first = first + mulAddPairs(interleaveLow(a, b), c);
-            second = second + mulAddPairs(interleaveHigh(a, b), c);
+            accumulate(first, mulAddPairs(interleaveLow(a, b), c));
+            accumulate(second, mulAddPairs(interleaveHigh(a, b), c));
         }
     }
     template <class Extent>
-    static OKPCV_INLINE void addLast(Vec<int32_t>& first, Vec<int32_t>& second, Vec<int16_t> c, const T* p,
-                                     Extent extent) {
+    static OKPCV_INLINE void addLast(Vec<int32_t>& first, Vec<int32_t>& second, Vec<int16_t> c,
+                                     Vec<int16_t> reversed, const T* p, Extent extent) {
         const Vec<int16_t> a = WordTaps<T>::elements(p, extent);
         if constexpr (Channels == 1) {
-            first = first + mulAddPairs(a, c);
-            second = second + mulAddPairs(a, bitCast<int16_t>(shiftLeft(bitCast<int32_t>(c), 16)));
+            accumulate(first, mulAddPairs(a, c));
+            accumulate(second, mulAddPairs(a, reversed));
         } else {
-            first = first + mulAddPairs(interleaveLow(a, a), c);
-            second = second + mulAddPairs(interleaveHigh(a, a), c);
+            accumulate(first, mulAddPairs(interleaveLow(a, a), c));
+            accumulate(second, mulAddPairs(interleaveHigh(a, a), c));
         }
     }
 };
 
-// Bound, per two taps and eight elements: two loads, two interleavings, two multiply-add instructions and two
-// additions.
+// Output rows r, r + 2, r + 4 and r + 6 are computed together, because they see the same pairs of rows, which
+// are interleaved once for all of them.
+//
+// Bound, per two taps and eight elements of four output rows: two loads, two interleavings, eight
+// multiply-add instructions and eight additions.
 template <class T>
 struct WordColumnPass {
-    WordTaps<T> taps;
+    const WordTaps<T>& wordTaps;
     bool streamed;
 
     __attribute__((noinline)) void operator()(T* out, int64_t step, int64_t outRows,
                                               const int16_t* const* rows, int64_t count) const {
-        constexpr int lanes = Vec<T>::lanes;
-        constexpr int groups = lanes / Vec<int16_t>::lanes;  // of sums for one vector of results
+        constexpr int together = 4;
+        const WordTaps<T> taps = wordTaps;
         const Image<T> dst{out, step};
-        forStored<2>(out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            constexpr int n = block.vectors * groups;
-            for (int64_t r = 0; r < outRows; ++r) {
-                const int16_t* const* const row = rows + r;
-                Vec<int32_t> low[n], high[n];
-                for (int g = 0; g < n; ++g) low[g] = high[g] = broadcast(taps.start);
-                const auto add = [&](const int16_t* a, const int16_t* b, Vec<int16_t> c) OKPCV_INLINE_LAMBDA {
-                    for (int g = 0; g < n; ++g) {
-                        const int at = g * Vec<int16_t>::lanes;
-                        const Vec<int16_t> first = load(a + x + at, extent.from(at));
-                        const Vec<int16_t> second = load(b + x + at, extent.from(at));
-                        low[g] = low[g] + mulAddPairs(interleaveLow(first, second), c);
-                        high[g] = high[g] + mulAddPairs(interleaveHigh(first, second), c);
+        withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
+            forStored<kCacheLineBytes / kVectorBytes>(
+                out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                    int64_t r = 0;
+                    const auto filter = [&](auto outputs) OKPCV_INLINE_LAMBDA {
+                        for (int v = 0; v < block.vectors; ++v) {
+                            columns<length, outputs>(taps, dst, r, rows + r, x + v * Vec<T>::lanes, extent);
+                        }
+                    };
+                    for (; r + 2 * together <= outRows; r += 2 * together) {
+                        filter(std::integral_constant<int, together>{});
+                        ++r;
+                        filter(std::integral_constant<int, together>{});
+                        --r;
                     }
-                };
-                int64_t j = 0;
-                for (; j + 2 <= taps.length; j += 2) add(row[j], row[j + 1], coefficientPair(taps.kernel, j));
-                add(row[j], row[j], coefficientAndZero(taps.kernel, j));
-                for (int v = 0; v < block.vectors; ++v) {
-                    T* const at = dst.row(r) + x + v * lanes;
-                    const int g = v * groups;
-                    if constexpr (groups == 2) {
-                        store(at,
-                              narrowSaturated<T>(taps.results(low[g], high[g]),
-                                                 taps.results(low[g + 1], high[g + 1])),
-                              extent);
-                    } else {
-                        store(at, bitCast<T>(WordTaps<T>::withBias(taps.results(low[g], high[g]))), extent);
-                    }
-                }
-            }
+                    for (; r < outRows; ++r) filter(std::integral_constant<int, 1>{});
+                });
         });
+    }
+
+  private:
+    static constexpr int lanes = Vec<int16_t>::lanes;
+
+    // One vector of each of the output rows r, r + 2, ...
+    template <int Length, int Outputs, class Extent>
+    static OKPCV_INLINE void columns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
+                                     const int16_t* const* rows, int64_t x, Extent extent) {
+        constexpr int groups = Vec<T>::lanes / lanes;  // of sums for one vector of results
+        const int64_t pairs = Length != 0 ? Length / 2 : taps.pairs();
+        Vec<int16_t> results[Outputs][groups];
+        for (int g = 0; g < groups; ++g) {
+            const int64_t at = x + g * lanes;
+            const auto within = extent.from(g * lanes);
+            Vec<int32_t> low[Outputs], high[Outputs];
+            for (int o = 0; o < Outputs; ++o) low[o] = high[o] = taps.start();
+            // Adds the rows 2 * i and 2 * i + 1 to the outputs from `first` to `last`, for each of which they
+            // are a pair of its own. The last output has no other row in the last of its pairs.
+            const auto add = [&](int64_t i, auto first, auto last, bool alone) OKPCV_INLINE_LAMBDA {
+                const Vec<int16_t> a = load(rows[2 * i] + at, within);
+                const Vec<int16_t> b = alone ? a : load(rows[2 * i + 1] + at, within);
+                const Vec<int16_t> interleavedLow = interleaveLow(a, b);
+                const Vec<int16_t> interleavedHigh = interleaveHigh(a, b);
+                unrolled<last - first + 1>([&](auto n) OKPCV_INLINE_LAMBDA {
+                    constexpr int o = first + n;
+                    accumulate(low[o], mulAddPairs(interleavedLow, taps.pair(i - o)));
+                    accumulate(high[o], mulAddPairs(interleavedHigh, taps.pair(i - o)));
+                });
+            };
+            using First = std::integral_constant<int, 0>;
+            using Last = std::integral_constant<int, Outputs - 1>;
+            if constexpr (Length != 0) {
+                constexpr int fixedPairs = Length / 2;
+                unrolled<fixedPairs + Outputs>([&](auto i) OKPCV_INLINE_LAMBDA {
+                    constexpr int first = i > fixedPairs ? i - fixedPairs : 0;
+                    constexpr int last = i < Outputs ? i : Outputs - 1;
+                    add(i, std::integral_constant<int, first>{}, std::integral_constant<int, last>{},
+                        i == fixedPairs + Outputs - 1);
+                });
+            } else {
+                unrolled<Outputs - 1>([&](auto i) OKPCV_INLINE_LAMBDA { add(i, First{}, i, false); });
+                for (int64_t i = Outputs - 1; i < pairs; ++i) add(i, First{}, Last{}, false);
+                unrolled<Outputs>([&](auto n)
+                                      OKPCV_INLINE_LAMBDA { add(pairs + n, n, Last{}, n == Outputs - 1); });
+            }
+            for (int o = 0; o < Outputs; ++o) results[o][g] = taps.results(low[o], high[o]);
+        }
+        for (int o = 0; o < Outputs; ++o) {
+            T* const to = dst.row(r + 2 * o) + x;
+            if constexpr (groups == 2) {
+                store(to, narrowSaturated<T>(results[o][0], results[o][1]), extent);
+            } else {
+                store(to, bitCast<T>(WordTaps<T>::withBias(results[o][0])), extent);
+            }
+        }
     }
 };
 

@@ -133,7 +133,7 @@ okpStatus bufferSize(RoiSize roiSize, int32_t kernelSize, int32_t* pBufferSize, 
     if (checks.failed()) return checks.status();
 
     const int64_t size = bytes(int64_t{roiSize.width}, int64_t{kernelSize});
-    checks.require(size <= INT32_MAX, okpStatusBadSize);
+    checks.require(size <= INT32_MAX, okpStatusSizeTooLarge);
     if (!checks.failed()) *pBufferSize = static_cast<int32_t>(size);
     return checks.status();
 }

@@ -312,7 +312,7 @@ okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size
     int64_t bytes = 0;
     checks.require(workBufferBytes(size.width, {spec.kernelWidth, spec.kernelHeight},
                                    kernelElementBytes(integer ? DataType16s : DataType32f), Channels, bytes),
-                   okpStatusBadSize);
+                   okpStatusSizeTooLarge);
     if (checks.failed()) return checks.status();
 
     const SeparableTask<S, Channels, D> task{
@@ -352,7 +352,7 @@ okpStatus specSize(RoiSize kernel, DataTypeCode kernelType, int32_t channels, T*
 
     const int64_t elements = int64_t{kernel.width} + kernel.height;
     const int64_t bytes = elements * kernelElementBytes(kernelType) + kSpecOverhead;
-    checks.require(bytes <= kLargest<T>, okpStatusBadSize);
+    checks.require(bytes <= kLargest<T>, okpStatusSizeTooLarge);
     if (!checks.failed()) *pSize = static_cast<T>(bytes);
     return checks.status();
 }
@@ -372,7 +372,7 @@ okpStatus bufferSize(Size size, RoiSize kernel, DataTypeCode dataType, DataTypeC
     int64_t bytes = 0;
     const bool fits = workBufferBytes(size.width, kernel, kernelElementBytes(kernelType), channels, bytes) &&
                       bytes <= kLargest<T>;
-    checks.require(fits, okpStatusBadSize);
+    checks.require(fits, okpStatusSizeTooLarge);
     if (!checks.failed()) *pSize = static_cast<T>(bytes);
     return checks.status();
 }

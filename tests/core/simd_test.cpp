@@ -196,6 +196,10 @@ TYPED_TEST(SimdAll, MovesLanes) {
             EXPECT_TRUE(sameBit(dropped[i], i < n / 4 * 3 ? a[i / 3 * 4 + i % 3] : T{}));
         }
     }
+    if constexpr (sizeof(T) == 2) {
+        const Lanes<T> interleaved = lanesOf(interleaveHalves(vectorOf(a)));
+        for (size_t i = 0; i < n; ++i) EXPECT_TRUE(sameBit(interleaved[i], a[i / 2 + (i % 2) * n / 2]));
+    }
     const Lanes<T> ofFirst = lanesOf(broadcastLane<0>(vectorOf(a)));
     const Lanes<T> ofLast = lanesOf(broadcastLast(vectorOf(a)));
     for (size_t i = 0; i < n; ++i) {
@@ -287,6 +291,10 @@ TYPED_TEST(SimdSaturating, ClampsToTheType) {
     if constexpr (sizeof(T) == 2) {
         this->expectLanes([](auto a, auto b) { return mulHigh(a, b); },
                           [](T a, T b) { return static_cast<T>((int64_t{a} * b) >> 16); });
+        if constexpr (std::is_signed_v<T>) {
+            this->expectLanes([](auto a, auto b) { return mulFraction(a, b); },
+                              [](T a, T b) { return static_cast<T>((int64_t{a} * b + 16384) >> 15); });
+        }
         this->expectLanes([](auto a, auto) { return shiftLeft(a, 3); },
                           [](T a, T) { return static_cast<T>(a << 3); });
         this->expectLanes([](auto a, auto) { return shiftRight(a, 3); },

@@ -167,8 +167,8 @@ TEST(ExactDistance, BufferSizes) {
     EXPECT_EQ(query({0, 0}, nullptr), okpStatusNullPointer);
     EXPECT_EQ(query({0, 3}, &size), okpStatusBadSize);
     EXPECT_EQ(query({3, -1}, &size), okpStatusBadSize);
-    EXPECT_EQ(query({41297761, 1}, &size), okpStatusBadSize);
-    EXPECT_EQ(query({1, INT32_MAX}, &size), okpStatusBadSize);
+    EXPECT_EQ(query({41297761, 1}, &size), okpStatusSizeTooLarge);
+    EXPECT_EQ(query({1, INT32_MAX}, &size), okpStatusSizeTooLarge);
     EXPECT_EQ(size, 5);
 }
 
@@ -196,7 +196,7 @@ TEST(ExactDistance, ChecksInOrder) {
          {"null buffer", okpStatusNullPointer, [](A& a) { a.buffer = nullptr; }},
          {"no width", okpStatusBadSize, [](A& a) { a.roi.width = 0; }},
          {"no height", okpStatusBadSize, [](A& a) { a.roi.height = 0; }},
-         {"a size without buffer size", okpStatusBadSize, [](A& a) { a.roi.height = INT32_MAX; }},
+         {"a size without buffer size", okpStatusSizeTooLarge, [](A& a) { a.roi.height = INT32_MAX; }},
          {"short source step", okpStatusBadStep, [](A& a) { a.srcStep = 8; }},
          {"short step", okpStatusBadStep, [](A& a) { a.dstStep = 35; }},
          {"odd step", okpStatusStepNotMultiple, [](A& a) { a.dstStep = 42; }}});

@@ -1,6 +1,7 @@
 // Canny edges against a scalar reading of the rules, in buffers of exactly the size that the query gives.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -383,6 +384,56 @@ TEST(CannyBorder, EqualsTheEdgesOfItsDerivatives) {
         ASSERT_EQ(dst.pixels(), (edgesOf<int64_t>(dx, dy, width, height, limits, norm == NormL2)))
             << width << 'x' << height << " border " << border << " kernel " << round % 3;
         EXPECT_TRUE(dst.paddingIntact());
+    }
+}
+
+// One derivative of an image by the library's own filters: `xOrder` and `yOrder` are 1 and 0, or 0 and 1.
+void sobel(const GuardedImage<uint8_t>& src, const GuardedImage<int16_t>& dst, int size, int xOrder,
+           int yOrder, BorderKind border, uint8_t value) {
+    int16_t row[5], column[5];
+    EXPECT_EQ(okpiGenSobelKernel_16s(row, size, xOrder, 1), okpStatusOk);
+    EXPECT_EQ(okpiGenSobelKernel_16s(column, size, yOrder, 1), okpStatusOk);
+    int32_t specBytes = 0, bytes = 0;
+    EXPECT_EQ(okpiFilterSeparableGetSpecSize({size, size}, DataType16s, 1, &specBytes), okpStatusOk);
+    EXPECT_EQ(okpiFilterSeparableGetBufferSize(src.roi(), {size, size}, DataType8u, DataType16s, 1, &bytes),
+              okpStatusOk);
+    std::vector<char> spec(static_cast<size_t>(specBytes)), buffer(static_cast<size_t>(bytes));
+    EXPECT_EQ(okpiFilterSeparableInit_16s(row, column, {size, size}, 1, 0, DataType8u, 1, spec.data()),
+              okpStatusOk);
+    EXPECT_EQ(okpiFilterSeparable_8u16s_C1R(src.data(), src.step(), dst.data(), dst.step(), src.roi(), border,
+                                            value, spec.data(), buffer.data()),
+              okpStatusOk);
+}
+
+TEST(CannyBorder, EqualsCannyOverTheDerivativesOfSeparableFilters) {
+    Random random(63);
+    for (const int size : {3, 5}) {
+        const MaskSizeCode mask = size == 3 ? MaskSize3x3 : MaskSize5x5;
+        for (const BorderKind border : {BorderReplicate, BorderConstant, BorderInMemory}) {
+            GuardedImage<uint8_t> src(73, 41, {.left = 2, .top = 2, .right = 2, .bottom = 2});
+            src.fill([&](int x, int y, int) {
+                return 128 + static_cast<int>(90 * std::sin(0.3 * x + 0.02 * y * y)) +
+                       random.integer(-20, 20);
+            });
+            int32_t bytes = 0, borderBytes = 0;
+            ASSERT_EQ(okpiCannyGetSize(src.roi(), &bytes), okpStatusOk);
+            ASSERT_EQ(okpiCannyBorderGetSize(src.roi(), 2, mask, DataType8u, &borderBytes), okpStatusOk);
+            std::vector<uint8_t> buffer(static_cast<size_t>(std::max(bytes, borderBytes)));
+            GuardedImage<int16_t> dx(73, 41), dy(73, 41);
+            sobel(src, dx, size, 1, 0, border, 77);
+            sobel(src, dy, size, 0, 1, border, 77);
+            const float low = size == 3 ? 150 : 1800, high = 2 * low;
+            GuardedImage<uint8_t> given(73, 41), own(73, 41);
+            ASSERT_EQ(okpiCanny_16s8u_C1R(dx.data(), dx.step(), dy.data(), dy.step(), given.data(),
+                                          given.step(), src.roi(), low, high, buffer.data()),
+                      okpStatusOk);
+            ASSERT_EQ(okpiCannyBorder_8u_C1R(src.data(), src.step(), own.data(), own.step(), src.roi(), 2,
+                                             mask, border, 77, low, high, NormL1, buffer.data()),
+                      okpStatusOk);
+            EXPECT_EQ(own.pixels(), given.pixels()) << size << " border " << border;
+            const std::vector<uint8_t> edges = own.pixels();
+            EXPECT_GT(std::count(edges.begin(), edges.end(), 255), 50);
+        }
     }
 }
 

@@ -173,14 +173,13 @@ struct Family {
     }
 };
 
-// A spec and a buffer of exactly the sizes that the queries report, at odd addresses, between unreadable
-// pages.
+// A spec and a buffer of exactly the sizes that the queries report, before unreadable pages.
 struct Areas {
     GuardedMemory spec, buffer;
 
     Areas(int size, float sigma, BorderKind border, DataTypeCode type, int channels, int width)
-        : spec(specBytes(size, type, channels) + 1, GuardedMemory::At::Start),
-          buffer(bufferBytes(size, type, channels, width) + 1, GuardedMemory::At::Start) {
+        : spec(specBytes(size, type, channels), GuardedMemory::At::End),
+          buffer(bufferBytes(size, type, channels, width), GuardedMemory::At::End) {
         int bytes = 0, initBytes = 0;
         EXPECT_EQ(okpiFilterGaussianGetSpecSize(size, type, channels, &bytes, &initBytes), okpStatusOk);
         const GuardedMemory init(static_cast<size_t>(initBytes), GuardedMemory::At::End);
@@ -188,8 +187,8 @@ struct Areas {
             okpiFilterGaussianInit({width, 1}, size, sigma, border, type, channels, specData(), init.data()),
             okpStatusOk);
     }
-    void* specData() const { return spec.data() + 1; }
-    void* bufferData() const { return buffer.data() + 1; }
+    void* specData() const { return spec.data(); }
+    void* bufferData() const { return buffer.data(); }
 
     static size_t specBytes(int size, DataTypeCode type, int channels) {
         int bytes = 0, initBytes = 0;

@@ -455,7 +455,7 @@ TEST(Pipelines, BufferSizesFollowTheirFormulas) {
         EXPECT_EQ(query.size({0, 3}, 7, &bytes), okpStatusBadSize);
         EXPECT_EQ(query.size({101, 0}, 7, &bytes), okpStatusBadSize);
         EXPECT_EQ(query.size({101, 3}, 0, &bytes), okpStatusBadSize);
-        EXPECT_EQ(query.size({INT32_MAX, 3}, INT32_MAX, &bytes), okpStatusBadSize);
+        EXPECT_EQ(query.size({INT32_MAX, 3}, INT32_MAX, &bytes), okpStatusSizeTooLarge);
         EXPECT_EQ(bytes, -1);
     }
 }

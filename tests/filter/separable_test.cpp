@@ -594,7 +594,7 @@ void expectSizeQueries(okpStatus (*specSize)(RoiSize, DataTypeCode, int32_t, T*)
     // A count that does not fit is an error, never another number.
     EXPECT_EQ(bufferSize({std::is_same_v<T, int32_t> ? INT32_MAX : INT64_MAX - 5, 1}, {3, 5}, DataType8u,
                          DataType16s, 1, &bytes),
-              okpStatusBadSize);
+              okpStatusSizeTooLarge);
     EXPECT_EQ(bytes, -1);
 }
 
@@ -608,7 +608,7 @@ TEST(SeparableFilterSizes, FollowTheirFormulas) {
     expectSizeQueries<int64_t>(okpiFilterSeparableGetSpecSize_L, okpiFilterSeparableGetBufferSize_L);
     int32_t bytes = -1;
     EXPECT_EQ(okpiFilterSeparableGetSpecSize({INT32_MAX, INT32_MAX}, DataType16s, 1, &bytes),
-              okpStatusBadSize);
+              okpStatusSizeTooLarge);
     EXPECT_EQ(bytes, -1);
 }
 
