@@ -34,9 +34,7 @@ void initInteger(F function, Data& data) {
     okpiFilterSeparableGetSpecSize(size, DataType16s, 1, &bytes);
     const int16_t* const row = call.input<int16_t>(size.width);
     const int16_t* const column = call.input<int16_t>(size.height);
-    const bool sizeless =
-        call.faulty() && call.size().width == call.real().width && call.size().height == call.real().height;
-    const RoiSize given = call.faulty() && !sizeless ? RoiSize(call.size()) : size;
+    const RoiSize given = call.sizeOr(size);
     call(function, row, column, given, data.any<int32_t>(), data.any<int32_t>(),
          data.oneIn(3) ? data.any<int32_t>() : data.between(0, 19), data.between(-1, 5),
          static_cast<void*>(call.area(bytes)));
@@ -50,9 +48,7 @@ void initFloat(F function, Data& data) {
     okpiFilterSeparableGetSpecSize(size, DataType32f, 1, &bytes);
     const float* const row = call.input<float>(size.width);
     const float* const column = call.input<float>(size.height);
-    const bool sizeless =
-        call.faulty() && call.size().width == call.real().width && call.size().height == call.real().height;
-    const RoiSize given = call.faulty() && !sizeless ? RoiSize(call.size()) : size;
+    const RoiSize given = call.sizeOr(size);
     call(function, row, column, given, data.oneIn(3) ? data.any<int32_t>() : data.between(0, 19),
          data.between(-1, 5), static_cast<void*>(call.area(bytes)));
 }

@@ -152,9 +152,9 @@ class Call {
         fault_ = data.oneOf({Fault::Null, Fault::Size, Fault::Step});
         place_ = data.between(0, 4);
         if (fault_ != Fault::Size) return;
-        const int32_t bad = data.oneOf({0, -1, INT32_MIN, INT32_MIN + 1});
-        given_ = data.oneIn(2) ? Size{bad, size_.height} : Size{size_.width, bad};
-        faulty_ = true;
+        // Of a width that is far too large the steps tell.
+        const int32_t bad = data.oneOf({0, -1, INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX / 2 + 1});
+        given_ = bad > 0 || data.oneIn(2) ? Size{bad, size_.height} : Size{size_.width, bad};
     }
 
     // For functions that refuse only steps that are not positive.
@@ -162,9 +162,17 @@ class Call {
 
     // What the memory is for, and what the function is told.
     RoiSize real() const { return size_; }
-    Size size() const { return faulty_ && fault_ == Fault::Size ? given_ : Size{size_.width, size_.height}; }
+    // The latter is asked for behind the images.
+    Size size() { return sizeOr(size_); }
+    // The same for another size than the images'.
+    Size sizeOr(RoiSize valid) {
+        const bool toldBySteps = madeStep_ > 0 && smallestStep_ == 0;
+        if (fault_ != Fault::Size || (given_.width > size_.width && !toldBySteps))
+            return {valid.width, valid.height};
+        faulty_ = true;
+        return given_;
+    }
     Data& data() { return data_; }
-    bool faulty() const { return faulty_; }
 
     template <class T>
     Image<const T> source(int channels = 1, Margins margins = {}) {
