@@ -510,10 +510,7 @@ struct WordColumnPass {
                 out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
                     int64_t r = 0;
                     const auto filter = [&](auto fixedLength, auto outputs) OKPCV_INLINE_LAMBDA {
-                        for (int v = 0; v < block.vectors; ++v) {
-                            columns<fixedLength, outputs>(taps, dst, r, rows + r, x + v * Vec<T>::lanes,
-                                                          extent);
-                        }
+                        columns<fixedLength, outputs>(taps, dst, r, rows + r, x, block.vectors, extent);
                     };
                     for (; r + 2 * together <= outRows; r += 2 * together) {
                         filter(length, std::integral_constant<int, together>{});
@@ -531,10 +528,20 @@ struct WordColumnPass {
   private:
     static constexpr int lanes = Vec<int16_t>::lanes;
 
-    // One vector of each of the output rows r, r + 2, ... Not inline: it is wanted at too many places.
+    // `vectors` vectors of each of the output rows r, r + 2, ... Not inline: it is wanted at too many places.
     template <int Length, int Outputs, class Extent>
-    static __attribute__((noinline)) void columns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
-                                                  const int16_t* const* rows, int64_t x, Extent extent) {
+    static __attribute__((noinline)) void columns(const WordTaps<T>& passTaps, const Image<T>& dst, int64_t r,
+                                                  const int16_t* const* rows, int64_t x, int vectors,
+                                                  Extent extent) {
+        const WordTaps<T> taps = passTaps;
+        for (int v = 0; v < vectors; ++v) {
+            vectorOfColumns<Length, Outputs>(taps, dst, r, rows, x + v * Vec<T>::lanes, extent);
+        }
+    }
+
+    template <int Length, int Outputs, class Extent>
+    static OKPCV_INLINE void vectorOfColumns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
+                                             const int16_t* const* rows, int64_t x, Extent extent) {
         constexpr int groups = Vec<T>::lanes / lanes;  // of sums for one vector of results
         const int64_t pairs = Length != 0 ? Length / 2 : taps.pairs();
         Vec<int16_t> results[Outputs][groups];
