@@ -1414,8 +1414,8 @@ OKPCV_API okpStatus okpiGradientColorToGray_32f_C3C1R(const float* pSrc, int32_t
  * (`dy`). This holds for all derivatives of the library.
  *
  * Results are saturated to their type; those of 8-bit images are exact integers that fit it. Sums of floats
- * are rounded to single precision one by one, in the order that each function states; a zero that results is
- * positive. Results are the same bit for bit at every width, step and alignment.
+ * are rounded to single precision one by one, in the order that each function states. Results are the same
+ * bit for bit at every width, step and alignment.
  * @{
  */
 

@@ -509,18 +509,18 @@ struct WordColumnPass {
             forStored<kCacheLineBytes / kVectorBytes>(
                 out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
                     int64_t r = 0;
-                    const auto filter = [&](auto outputs) OKPCV_INLINE_LAMBDA {
-                        for (int v = 0; v < block.vectors; ++v) {
-                            columns<length, outputs>(taps, dst, r, rows + r, x + v * Vec<T>::lanes, extent);
-                        }
+                    const auto filter = [&](auto fixedLength, auto outputs) OKPCV_INLINE_LAMBDA {
+                        columns<fixedLength, outputs>(taps, dst, r, rows + r, x, block.vectors, extent);
                     };
                     for (; r + 2 * together <= outRows; r += 2 * together) {
-                        filter(std::integral_constant<int, together>{});
+                        filter(length, std::integral_constant<int, together>{});
                         ++r;
-                        filter(std::integral_constant<int, together>{});
+                        filter(length, std::integral_constant<int, together>{});
                         --r;
                     }
-                    for (; r < outRows; ++r) filter(std::integral_constant<int, 1>{});
+                    for (; r < outRows; ++r) {
+                        filter(std::integral_constant<int, 0>{}, std::integral_constant<int, 1>{});
+                    }
                 });
         });
     }
@@ -528,10 +528,20 @@ struct WordColumnPass {
   private:
     static constexpr int lanes = Vec<int16_t>::lanes;
 
-    // One vector of each of the output rows r, r + 2, ...
+    // `vectors` vectors of each of the output rows r, r + 2, ... Not inline: it is wanted at too many places.
     template <int Length, int Outputs, class Extent>
-    static OKPCV_INLINE void columns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
-                                     const int16_t* const* rows, int64_t x, Extent extent) {
+    static __attribute__((noinline)) void columns(const WordTaps<T>& passTaps, const Image<T>& dst, int64_t r,
+                                                  const int16_t* const* rows, int64_t x, int vectors,
+                                                  Extent extent) {
+        const WordTaps<T> taps = passTaps;
+        for (int v = 0; v < vectors; ++v) {
+            vectorOfColumns<Length, Outputs>(taps, dst, r, rows, x + v * Vec<T>::lanes, extent);
+        }
+    }
+
+    template <int Length, int Outputs, class Extent>
+    static OKPCV_INLINE void vectorOfColumns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
+                                             const int16_t* const* rows, int64_t x, Extent extent) {
         constexpr int groups = Vec<T>::lanes / lanes;  // of sums for one vector of results
         const int64_t pairs = Length != 0 ? Length / 2 : taps.pairs();
         Vec<int16_t> results[Outputs][groups];

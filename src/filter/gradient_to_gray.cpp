@@ -3,6 +3,7 @@
 // Bound, per vector of pixels: three loads and the nine shuffles that part the channels; the root of wide
 // types is bound by their conversions and square roots.
 #include "core/checks.h"
+#include "core/fp_control.h"
 #include "core/image.h"
 #include "core/simd.h"
 #include "filter/weighted_sum.h"
@@ -120,6 +121,7 @@ okpStatus gradientToGray(Image<const T, 3> src, Image<T> dst, Size size, int32_t
         .rowsFit(size, src, dst)
         .require(norm >= 0 && norm <= 2, okpStatusBadArgument);
     if (checks.failed()) return checks.status();
+    const DenormalExceptionMask mask;
     switch (norm) {
         case 0:
             reduce(src, dst, size, Maximum{});

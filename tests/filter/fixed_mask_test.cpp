@@ -95,14 +95,14 @@ struct Laplacian {
         return static_cast<int16_t>(weighted(mask(n), x));
     }
     static float result(int n, const std::vector<float>& x) {
-        if (n == 3) return 2 * (x[0] + x[2] - 4 * x[4] + (x[6] + x[8])) + 0.0F;
+        if (n == 3) return 2 * (x[0] + x[2] - 4 * x[4] + (x[6] + x[8]));
         float sum = 0;
         for (int j = 0; j < 5; ++j) {
             const float p = x[5 * j] + x[5 * j + 4], q = x[5 * j + 1] + x[5 * j + 3], c = x[5 * j + 2];
             const float between = 2 * p - 4 * c;
             sum = sum + (j % 4 == 0 ? p + 2 * (q + c) : j % 2 == 1 ? between : between - 4 * (q + 2 * c));
         }
-        return 2 * sum + 0.0F;
+        return 2 * sum;
     }
 };
 
