@@ -7,8 +7,9 @@
 // the results are those of single precision, which holds them too. Sums of floats take their terms in kernel
 // order.
 //
-// Bound: the instructions of about two vectors per output vector and tap; all of a line stays in the first
-// cache.
+// Bound: the instructions of the column sums, which a smaller level takes of all source pixels for half as
+// many rows: per vector about three loads, the terms of the sum and a store. The lines' filters come to half
+// of that.
 #pragma once
 
 #include <algorithm>
@@ -31,7 +32,8 @@ using OctaveSum = std::conditional_t<std::is_same_v<S, uint8_t>, uint16_t,
 
 // Rows of a smaller level that are made together: they share the source rows that several of them see.
 inline constexpr int kOctaveBatch = 4;
-// Pixels of them that are made together, so that their lines stay in the first cache.
+// Pixels of them that are made together: few enough for their lines to stay in the near caches, and enough
+// for the prefetchers to follow the source rows.
 inline constexpr int64_t kOctaveTile = 1024;
 
 // Lines of sums. A smaller level takes a line for each row of a batch, of a tile's source pixels; a larger
