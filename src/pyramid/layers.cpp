@@ -2,12 +2,13 @@
 // pyramid as a compact image code", 1983, for any rate from above 1 to 10 and any odd kernel). Rate 2 with
 // the binomial kernel has a path of its own with the same results.
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 
 #include "core/area.h"
 #include "core/checks.h"
 #include "core/image.h"
 #include "core/numbers.h"
+#include "filter/weighted_sum.h"
 #include "okpcv/pyramid.h"
 #include "pyramid/level_sizes.h"
 #include "pyramid/octave.h"

@@ -7,8 +7,9 @@
 // the results are those of single precision, which holds them too. Sums of floats take their terms in kernel
 // order.
 //
-// Bound: the instructions of about two vectors per output vector and tap; all of a line stays in the first
-// cache.
+// Bound: the instructions of the column sums, which a smaller level takes of all source pixels for half as
+// many rows: per vector about three loads, the terms of the sum and a store. The lines' filters come to half
+// of that.
 #pragma once
 
 #include <algorithm>
@@ -31,8 +32,9 @@ using OctaveSum = std::conditional_t<std::is_same_v<S, uint8_t>, uint16_t,
 
 // Rows of a smaller level that are made together: they share the source rows that several of them see.
 inline constexpr int kOctaveBatch = 4;
-// Pixels of them that are made together, so that their lines stay in the first cache.
-inline constexpr int64_t kOctaveTile = 128;
+// Pixels of them that are made together: few enough for their lines to stay in the near caches, and enough
+// for the prefetchers to follow the source rows.
+inline constexpr int64_t kOctaveTile = 1024;
 
 // Lines of sums. A smaller level takes a line for each row of a batch, of a tile's source pixels; a larger
 // one takes two, of all pixels of a source row.
@@ -170,38 +172,48 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
     const auto sum = [](const Vec<T>(&v)[inputs], auto r) OKPCV_INLINE_LAMBDA {
         return binomial(v[2 * r], v[2 * r + 1], v[2 * r + 2], v[2 * r + 3], v[2 * r + 4]);
     };
+    // Each row is loaded when the first sum needs it, so that few are held at a time.
+    const auto forRows = [](const auto& loadRow, const auto& finishRow) OKPCV_INLINE_LAMBDA {
+        unrolled<3>(loadRow);
+        unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA {
+            loadRow(std::integral_constant<int, 2 * r + 3>{});
+            loadRow(std::integral_constant<int, 2 * r + 4>{});
+            finishRow(r);
+        });
+    };
     const S* in[inputs];  // as locals, which no store can change
     for (int i = 0; i < inputs; ++i) in[i] = rows[i] + from * Channels;
     const int64_t count = (to - from) * Channels;
     if constexpr (kSplitsColumns<Channels, T>) {
         constexpr int64_t odd = OctaveLines<T>::odd;
         mapColumns<2 * lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            Vec<T> low[inputs], high[inputs], sums[2][Rows];
-            unrolled<inputs>([&](auto i)
-                                 OKPCV_INLINE_LAMBDA { low[i] = bitCast<T>(load(in[i] + x, extent)); });
-            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { sums[0][r] = sum(low, r); });
-            unrolled<inputs>([&](auto i) OKPCV_INLINE_LAMBDA {
-                high[i] = kIsFloat<S> ? bitCast<T>(load(in[i] + x + lanes, extent.from(lanes)))
-                                      : bitCast<T>(shiftRight(bitCast<uint32_t>(low[i]), 16));
-            });
-            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { sums[1][r] = sum(high, r); });
-            // Of integers, two to a lane, the sum of the lanes is that of the low ones and 2^16 times that of
-            // the high ones.
-            if constexpr (kIsInt<S>) {
-                unrolled<Rows>(
-                    [&](auto r) OKPCV_INLINE_LAMBDA { sums[0][r] = sums[0][r] - shiftLeft(sums[1][r], 16); });
-            }
-            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA {
-                const Vec<T> a = sums[0][r], b = sums[1][r];
-                store(out[r] + x / 2, kIsFloat<S> ? evenLanes(a, b) : a);
-                store(out[r] + x / 2 + odd, kIsFloat<S> ? oddLanes(a, b) : b);
+            Vec<T> low[inputs], high[inputs];
+            const auto loadRow = [&](auto i) OKPCV_INLINE_LAMBDA {
+                low[i] = bitCast<T>(load(in[i] + x, extent));
+                if constexpr (kIsFloat<S>) {
+                    high[i] = load(in[i] + x + lanes, extent.from(lanes));
+                } else {
+                    high[i] = bitCast<T>(shiftRight(bitCast<uint32_t>(low[i]), 16));
+                }
+            };
+            forRows(loadRow, [&](auto r) OKPCV_INLINE_LAMBDA {
+                const Vec<T> a = sum(low, r), b = sum(high, r);
+                // Of integers, two to a lane, the sum of the lanes is that of the low ones and 2^16 times
+                // that of the high ones.
+                if constexpr (kIsFloat<S>) {
+                    store(out[r] + x / 2, evenLanes(a, b));
+                    store(out[r] + x / 2 + odd, oddLanes(a, b));
+                } else {
+                    store(out[r] + x / 2, a - shiftLeft(b, 16));
+                    store(out[r] + x / 2 + odd, b);
+                }
             });
         });
     } else {
         mapColumns<lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
             Vec<T> v[inputs];
-            unrolled<inputs>([&](auto i) OKPCV_INLINE_LAMBDA { v[i] = loadAs<T>(in[i] + x, extent); });
-            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA { store(out[r] + x, sum(v, r)); });
+            forRows([&](auto i) OKPCV_INLINE_LAMBDA { v[i] = loadAs<T>(in[i] + x, extent); },
+                    [&](auto r) OKPCV_INLINE_LAMBDA { store(out[r] + x, sum(v, r)); });
         });
     }
 }
