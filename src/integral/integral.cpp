@@ -60,7 +60,7 @@ class RowsOf {
     RowsOf(Image<D> dst, D offset, int64_t y) : above_(dst.row(y) + 1) {
         for (int i = 0; i < kRows; ++i) {
             out_[i] = dst.row(y + 1 + i) + 1;
-            out_[i][-1] = offset;
+            storeScalar(out_[i] - 1, offset);
             running_[i] = zeros<int32_t>();
         }
     }
@@ -150,6 +150,12 @@ OKPCV_INLINE void makeRows(Image<const uint8_t> src, int64_t y, int64_t width, i
     }
 }
 
+// The row above all sums.
+template <class D>
+void fillFirstRow(Image<D> dst, Size size, D value) {
+    for (int64_t x = 0; x <= size.width; ++x) storeScalar(dst.data + x, value);
+}
+
 // The source's pixels, and one row and one column more in every destination.
 template <class S, class... Dst>
 Checks check(Image<const S> src, Size size, const Dst&... dst) {
@@ -168,7 +174,7 @@ okpStatus integral8u(Image<const uint8_t> src, Image<D> dst, RoiSize roiSize, D 
     const Checks checks = check(src, size, dst);
     if (checks.failed()) return checks.status();
 
-    std::fill_n(dst.data, size.width + 1, val);
+    fillFirstRow(dst, size, val);
     const int64_t grouped = groupedColumns<D>(size.width);
     int64_t y = 0;
     for (; y + kRowsAtOnce <= size.height; y += kRowsAtOnce) {
@@ -221,7 +227,7 @@ OKPCV_INLINE void makeFloatRows(Image<const float> src, Image<float> dst, int64_
     for (int i = 0; i < kRows; ++i) {
         pixels[i] = src.row(y + i);
         out[i] = dst.row(y + 1 + i) + 1;
-        out[i][-1] = 0;
+        storeScalar(out[i] - 1, 0.0F);
         running[i] = zeros<float>();
     }
     mapColumns<Vec<float>::lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
@@ -240,7 +246,7 @@ okpStatus integral32f(Image<const float> src, Image<float> dst, RoiSize roiSize)
     const Checks checks = check(src, size, dst);
     if (checks.failed()) return checks.status();
 
-    std::fill_n(dst.data, size.width + 1, 0.0F);
+    fillFirstRow(dst, size, 0.0F);
     int64_t y = 0;
     for (; y + kRowsAtOnce <= size.height; y += kRowsAtOnce) {
         makeFloatRows<kRowsAtOnce>(src, dst, y, size.width);

@@ -17,7 +17,7 @@ struct Pixel {
 
     static Pixel at(const T* p) {
         Pixel pixel;
-        for (int c = 0; c < C; ++c) pixel.channel[c] = p[c];
+        for (int c = 0; c < C; ++c) pixel.channel[c] = loadScalar<T>(p + c);
         return pixel;
     }
     bool operator==(const Pixel&) const = default;
