@@ -1,10 +1,9 @@
 // Benchmarks of segmentation: flood fills, labelling, speckles, segment boundaries.
 //
 // flat:    one value everywhere; every run is a row.
-// natural: a picture with structure at all scales and a camera's noise. Plain fills run on its two halves,
-// dark
+// natural: a picture with structure at all scales and a camera's noise. Plain fills run on its two halves, dark
 //          and light; the others on its levels.
-// noise60, dots25: pixels set independently with that probability in percent.
+// noise60, noise80, noise95, dots25: pixels set independently with that probability in percent.
 #include "okpcv/segment.h"
 
 #include <array>
@@ -74,13 +73,14 @@ Image<uint8_t> noise(RoiSize size, int percent) {
     return image;
 }
 
-enum class Picture { Flat, Natural, Noise60, Dots25 };
+// Noise has the percentage of its set pixels as its number.
+enum class Picture { Flat = -2, Natural = -1, Dots25 = 25, Noise60 = 60, Noise80 = 80, Noise95 = 95 };
 enum class Rule { Plain, Range, Gradient };
 
 Image<uint8_t> levels(Picture picture, RoiSize size, bool inTwo) {
     if (picture == Picture::Flat) return Image<uint8_t>(size);
     if (picture == Picture::Natural) return inTwo ? thresholded(naturalImage(size)) : naturalImage(size);
-    return noise(size, picture == Picture::Noise60 ? 60 : 25);
+    return noise(size, static_cast<int>(picture));
 }
 
 template <class T>
@@ -196,8 +196,10 @@ constexpr RoiSize kMiddle[] = {{1920, 1080}};
 #define FILL(FUNCTION, RULE, CONNECTIVITY)                                                    \
     family.add(#FUNCTION "/flat", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Flat)); \
     family.add(#FUNCTION "/natural", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Natural), kMiddle)
-#define FILL_NOISE(FUNCTION, RULE, CONNECTIVITY) \
-    family.add(#FUNCTION "/noise60", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Noise60), kMiddle)
+#define FILL_NOISE(FUNCTION, RULE, CONNECTIVITY)                                                             \
+    family.add(#FUNCTION "/noise60", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Noise60), kMiddle); \
+    family.add(#FUNCTION "/noise80", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Noise80), kMiddle); \
+    family.add(#FUNCTION "/noise95", fillOf(FUNCTION, Rule::RULE, CONNECTIVITY, Picture::Noise95), kMiddle)
 
 // Labels from 1 to 200 in place, so that they wrap around.
 template <class T>
