@@ -842,10 +842,6 @@ template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
     return loadScalar<T>(&a);
 }
-template <class T>
-OKPCV_INLINE T lastLane(Vec<T> a) {
-    return loadScalar<T>(reinterpret_cast<const T*>(&a) + Vec<T>::lanes - 1);
-}
 
 namespace detail {
 
