@@ -205,11 +205,13 @@ struct ExactPlan {
     int bits = 0;
     int32_t bias = 0;         // taken from row sums so that they fit 16 bits
     int32_t columnStart = 0;  // what that takes from column sums
+    bool negative = false;    // whether sums can be
 
     ExactPlan(const SeparableSpec& spec, int32_t scaleFactor) {
         const int64_t divisor = spec.divisor;
         if (divisor < 1 || (divisor & (divisor - 1)) != 0) return;
-        if (spec.kernelWidth > WrappingKernel::longest || spec.kernelHeight > WrappingKernel::longest) return;
+        if (spec.kernelWidth < 2 || spec.kernelWidth > PairedKernel::longest) return;
+        if (spec.kernelHeight > WrappingKernel::longest) return;
         const int64_t shift = 2 * int64_t{__builtin_ctzll(static_cast<uint64_t>(divisor))} + scaleFactor;
         if (shift < 0 || shift > 30) return;
 
@@ -219,14 +221,15 @@ struct ExactPlan {
         const Range sum = row.weighted(columnKernel, spec.kernelHeight);
         // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is less than this.
         const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
-        if (largest > int64_t{1} << 24) return;
+        if (row.high - row.low > 65535 || largest > int64_t{1} << 24) return;
 
         bits = static_cast<int>(shift);
+        negative = sum.low < 0;
         if (bits <= 15 && sum.low >= -32768 && sum.high <= 32767) {
             sums = Sums::Signed16;
         } else if (bits <= 15 && sum.low >= 0 && sum.high <= 65535) {
             sums = Sums::Unsigned16;
-        } else if (row.high - row.low <= 65535) {
+        } else {
             sums = Sums::Signed32;
             bias = row.low >= -32768 && row.high <= 32767 ? 0 : static_cast<int32_t>(row.low + 32768);
             int64_t columnSum = 0;
@@ -256,14 +259,14 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
                    const ExactPlan& plan, void* pBuffer, int64_t bytes) {
     const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
     const auto* const rowKernel = static_cast<const int16_t*>(spec.rowKernel);
-    const WrappingKernel wrappingRow(rowKernel, task.row.length);
-    const WrappingRowPass<Channels> rowPass{wrappingRow, static_cast<int16_t>(-plan.bias)};
+    const PairedKernel pairedRow(rowKernel, task.row.length);
+    const PairedRowPass<Channels> rowPass{pairedRow, static_cast<int16_t>(-plan.bias)};
 
     using Shapes = RingShapes<Channels, int16_t>;
-    const Shapes shapes(task.column, task.size.width, Shapes::batchFor(task.column));
+    const int64_t batch = roundUp(Shapes::batchFor(task.column), 2);  // output rows are made in pairs
+    const Shapes shapes(task.column, task.size.width, batch);
     Area fixed;
-    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column,
-                                                {0, Shapes::batchFor(task.column), 0});
+    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column, {0, batch, 0});
     const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(int16_t)};
     Area placed(pBuffer);
     const auto buffer = layOutSeparable<Channels, uint8_t, int16_t>(
@@ -278,10 +281,15 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
         }
     }
     if (plan.sums == ExactPlan::Sums::Signed32) {
-        filterSeparable(task, buffer, outside, rowPass,
-                        IntegerColumnPass<D, ShiftedRight>{
-                            columnKernel, task.column.length, plan.columnStart, {plan.bits}});
-        return;
+        const auto run = [&](const auto& finish) {
+            filterSeparable(task, buffer, outside, rowPass,
+                            IntegerColumnPass<D, std::remove_cvref_t<decltype(finish)>>{
+                                columnKernel, task.column.length, plan.columnStart, finish});
+        };
+        if constexpr (std::is_signed_v<D>) {
+            if (plan.negative) return run(ShiftedRight<true>{plan.bits});
+        }
+        return run(ShiftedRight<false>{plan.bits});
     }
     const WrappingKernel wrappingColumn(columnKernel, task.column.length);
     if (plan.sums == ExactPlan::Sums::Signed16) {
