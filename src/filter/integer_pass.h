@@ -42,6 +42,24 @@ OKPCV_INLINE void addTerm(int64_t i, Vec<T>& sum, Vec<T> term) {
     }
 }
 
+// The sum of a kernel's coefficients without their signs.
+inline int64_t magnitude(const int16_t* kernel, int64_t length) {
+    int64_t sum = 0;
+    for (int64_t i = 0; i < length; ++i) {
+        const int64_t k = coefficient(kernel, i);
+        sum += k < 0 ? -k : k;
+    }
+    return sum;
+}
+// Whether no sum of products with elements of S can exceed what single precision counts exactly, so that sums
+// in integers are those in single precision.
+template <class S>
+bool sumsAreExact(const int16_t* kernel, int64_t length) {
+    static_assert(std::is_same_v<S, uint8_t> || std::is_same_v<S, int16_t>);
+    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
+    return magnitude(kernel, length) * largest <= int64_t{1} << 24;
+}
+
 // What becomes of sums of 32-bit integers, two vectors for every vector of 16-bit elements, as they are stored.
 struct TimesScale {
     float scale;
@@ -88,8 +106,7 @@ struct ShiftedRight {
 };
 
 // Sums in 32-bit integers, modulo 2^32, of 8-bit or signed 16-bit elements: out[x] = float(sum of kernel[i] *
-// in[x + i * C]) * scale. Where no sum of products can exceed 2^24 in magnitude, the results are those of
-// FloatRowPass: every sum of it is then an integer that single precision holds exactly.
+// in[x + i * C]) * scale. Where sumsAreExact(), the results are those of FloatRowPass.
 //
 // Bound, per two taps and eight elements of one channel: two loads, two multiply-add instructions and two
 // additions, half of what single precision takes.
@@ -101,47 +118,74 @@ struct IntegerRowPass {
 
     template <class Out, class S>
     __attribute__((noinline)) void operator()(Out* out, const S* in, int64_t count) const {
-        constexpr int groups = 3;  // of one vector of 16-bit elements, two of sums
-        forBlocks<groups, Vec<int16_t>::lanes>(
-            count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                constexpr int n = block.vectors;
-                const S* p = in + x;
-                Vec<int32_t> first[n], second[n];
-                for (int g = 0; g < n; ++g) first[g] = second[g] = zeros<int32_t>();
-                int64_t i = 0;
-                for (; i + 2 <= length; i += 2, p += 2 * Channels) {
-                    addPair(first, second, coefficientPair(kernel, i), p, extent);
-                }
-                if (i < length) addLast(first, second, coefficientAndZero(kernel, i), p, extent);
-                Vec<float> sum[2 * n];
-                for (int g = 0; g < n; ++g) {
-                    inOrder(first[g], second[g]);
-                    sum[2 * g] = toFloat(first[g]) * broadcast(scale);
-                    sum[2 * g + 1] = toFloat(second[g]) * broadcast(scale);
-                }
-                storeResults(out + x, sum, extent);
-            });
+        // The lengths whose coefficients fit in registers.
+        switch (length) {
+            case 3:
+                return run<3>(out, in, count);
+            case 5:
+                return run<5>(out, in, count);
+            case 7:
+                return run<7>(out, in, count);
+            case 9:
+                return run<9>(out, in, count);
+            default:
+                return run<0>(out, in, count);
+        }
     }
 
   private:
     static constexpr int lanes = Vec<int16_t>::lanes;
+
+    template <int Length, class Out, class S>
+    OKPCV_INLINE void run(Out* out, const S* in, int64_t count) const {
+        constexpr int pairs = Length / 2;
+        Vec<int16_t> c[pairs + 1];
+        if constexpr (Length > 0) {
+            for (int i = 0; i < pairs; ++i) c[i] = coefficientPair(kernel, 2 * i);
+            c[pairs] = coefficientAndZero(kernel, 2 * pairs);
+        }
+        constexpr int groups = Length > 0 ? 2 : 3;  // of one vector of 16-bit elements, two of sums
+        forBlocks<groups, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            constexpr int n = block.vectors;
+            const S* p = in + x;
+            Vec<int32_t> first[n], second[n];
+            for (int g = 0; g < n; ++g) first[g] = second[g] = zeros<int32_t>();
+            if constexpr (Length > 0) {
+                for (int i = 0; i < pairs; ++i, p += 2 * Channels) addPair(i, first, second, c[i], p, extent);
+                addLast(first, second, c[pairs], p, extent);
+            } else {
+                int64_t i = 0;
+                for (; i + 2 <= length; i += 2, p += 2 * Channels) {
+                    addPair(i, first, second, coefficientPair(kernel, i), p, extent);
+                }
+                if (i < length) addLast(first, second, coefficientAndZero(kernel, i), p, extent);
+            }
+            Vec<float> sum[2 * n];
+            for (int g = 0; g < n; ++g) {
+                inOrder(first[g], second[g]);
+                sum[2 * g] = toFloat(first[g]) * broadcast(scale);
+                sum[2 * g + 1] = toFloat(second[g]) * broadcast(scale);
+            }
+            storeResults(out + x, sum, extent);
+        });
+    }
 
     // Of a single channel, the first sums are those of even elements and the second those of odd ones: a load
     // at the first tap pairs it with the second for the even ones, a load one further on does for the odd
     // ones. Of several channels, the elements of two taps are interleaved, and the first sums are those of
     // the first half.
     template <int N, class S, class Extent>
-    static OKPCV_INLINE void addPair(Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N], Vec<int16_t> c,
-                                     const S* p, Extent extent) {
+    static OKPCV_INLINE void addPair(int64_t i, Vec<int32_t> (&first)[N], Vec<int32_t> (&second)[N],
+                                     Vec<int16_t> c, const S* p, Extent extent) {
         for (int g = 0; g < N; ++g, p += lanes) {
             if constexpr (Channels == 1) {
-                accumulate(first[g], mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c));
-                accumulate(second[g], mulAddPairs(loadAs<int16_t>(p + 1, extent), c));
+                addTerm(i, first[g], mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c));
+                addTerm(i, second[g], mulAddPairs(loadAs<int16_t>(p + 1, extent), c));
             } else {
                 const Vec<int16_t> a = loadAs<int16_t>(p, extent);
                 const Vec<int16_t> b = loadAs<int16_t>(p + Channels, extent);
-                accumulate(first[g], mulAddPairs(interleaveLow(a, b), c));
-                accumulate(second[g], mulAddPairs(interleaveHigh(a, b), c));
+                addTerm(i, first[g], mulAddPairs(interleaveLow(a, b), c));
+                addTerm(i, second[g], mulAddPairs(interleaveHigh(a, b), c));
             }
         }
     }
@@ -170,7 +214,7 @@ struct IntegerRowPass {
 };
 
 // Sums in 32-bit integers, modulo 2^32, of signed 16-bit rows: `start` + sum of kernel[j] * rows[j][x],
-// handed to Finish. With TimesScale, see IntegerRowPass for when the results are those of FloatColumnPass.
+// handed to Finish. With TimesScale, and where sumsAreExact(), the results are those of FloatColumnPass.
 //
 // Two output rows are made at a time: the interleaved elements of two rows serve both.
 //

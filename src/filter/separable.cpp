@@ -136,23 +136,6 @@ float filteredBorderValue(S value, const K* kernel, int64_t length, float scale)
     }
 }
 
-// The sum of a kernel's coefficients without their signs.
-int64_t magnitude(const int16_t* kernel, int64_t length) {
-    int64_t sum = 0;
-    for (int64_t i = 0; i < length; ++i) {
-        const int64_t k = coefficient(kernel, i);
-        sum += k < 0 ? -k : k;
-    }
-    return sum;
-}
-
-// Whether no sum of products with elements of S can exceed what single precision counts exactly.
-template <class S>
-bool sumsAreExact(const int16_t* kernel, int64_t length) {
-    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
-    return magnitude(kernel, length) * largest <= int64_t{1} << 24;
-}
-
 // v * 2^-scaleFactor.
 float scaledDown(float v, int32_t scaleFactor) {
     constexpr int32_t enough = 300;  // shifts any float out of its range
