@@ -42,15 +42,6 @@ OKPCV_INLINE void addTerm(int64_t i, Vec<T>& sum, Vec<T> term) {
     }
 }
 
-// The sum of a kernel's coefficients without their signs.
-inline int64_t magnitude(const int16_t* kernel, int64_t length) {
-    int64_t sum = 0;
-    for (int64_t i = 0; i < length; ++i) {
-        const int64_t k = coefficient(kernel, i);
-        sum += k < 0 ? -k : k;
-    }
-    return sum;
-}
 // Whether no sum of products with elements of S can exceed what single precision counts exactly, so that sums
 // in integers are those in single precision.
 template <class S>

@@ -68,7 +68,7 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
 }
 
 // The work buffer of one call, all of it within the promised number of bytes: the parts of the stream engine
-// if the column kernel has a stream and they fit, of the separable engine otherwise; and, for sources that
+// if it does the work and they fit, of the separable engine otherwise; and, for sources that
 // are converted before they are filtered, a stretch of a row as floats.
 template <class S, int Channels>
 struct WorkBuffer {
@@ -79,8 +79,9 @@ struct WorkBuffer {
     float* scratch;
     int64_t scratchCount;
 
+    // `canStream`: the stream engine does this work, if there is memory for it.
     WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
-               bool inPlace) {
+               bool inPlace, bool canStream) {
         constexpr bool converts = !kIsFloat<S>;
         const int64_t reach = (row.length - 1) * Channels;
         const int64_t leastScratch = converts ? reach + 8 * Channels : 0;
@@ -92,7 +93,7 @@ struct WorkBuffer {
             scratch = area.take<float>(scratchCount, kVectorBytes);
         };
 
-        if (hasColumnStream(column.length) && !inPlace) {
+        if (canStream) {
             const auto layOut = [&](Area& area) {
                 window = area.take<S>(windowPixels<float>(row) * Channels, kVectorBytes);
                 streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
@@ -143,9 +144,31 @@ float scaledDown(float v, int32_t scaleFactor) {
     return std::ldexp(v, exponent);
 }
 
+// Whether no result can reach 2^31 in magnitude, nor an intermediate value overflow, which column streams to
+// integers ask for. The limits leave room for the roundings of sums.
+template <class D, class S, class K>
+bool isBounded(const SeparableSpec& spec, float rowScale, float columnScale) {
+    if constexpr (kIsFloat<D>) {
+        return true;
+    } else {
+        const auto scaled = [](const void* kernel, int32_t length, float scale) {
+            const double sum = static_cast<double>(magnitude(static_cast<const K*>(kernel), length));
+            return sum * std::fabs(static_cast<double>(scale));
+        };
+        const double largest = std::is_same_v<S, uint8_t> ? 255 : 65535;
+        const double row = scaled(spec.rowKernel, spec.kernelWidth, rowScale) * largest;
+        const double result = scaled(spec.columnKernel, spec.kernelHeight, columnScale) * row;
+        return row <= powerOfTwo(100) && result <= powerOfTwo(29);
+    }
+}
+
 template <class K, class S, int Channels, class D>
 void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& task, float rowScale,
-                float columnScale, const WorkBuffer<S, Channels>& buffer) {
+                float columnScale, void* pBuffer, int64_t bytes) {
+    const bool streamed = hasColumnStream(task.column.length) && !task.inPlace() &&
+                          isBounded<D, S, K>(spec, rowScale, columnScale);
+    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, task.size.width,
+                                         task.inPlace(), streamed);
     const auto* const rowKernel = static_cast<const K*>(spec.rowKernel);
     const auto* const columnKernel = static_cast<const K*>(spec.columnKernel);
 
@@ -319,14 +342,13 @@ okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size
             }
         }
     }
-    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
     if (integer) {
         const float reciprocal = 1.0F / static_cast<float>(spec.divisor);
         const float columnScale =
             std::is_same_v<D, int16_t> ? scaledDown(reciprocal, spec.scaleFactor) : reciprocal;
-        filterWith<int16_t>(spec, task, reciprocal, columnScale, buffer);
+        filterWith<int16_t>(spec, task, reciprocal, columnScale, pBuffer, bytes);
     } else {
-        filterWith<float>(spec, task, 1.0F, 1.0F, buffer);
+        filterWith<float>(spec, task, 1.0F, 1.0F, pBuffer, bytes);
     }
     return okpStatusOk;
 }

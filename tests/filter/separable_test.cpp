@@ -261,6 +261,25 @@ TYPED_TEST(SeparableFilter, EqualsItsDefinitionWhereSumsAreExact) {
     }
 }
 
+// Float kernels that take results, or sums on the way to them, out of the range of integers and of floats.
+TYPED_TEST(SeparableFilter, ClampsResultsOfAnySize) {
+    using D = typename TypeParam::D;
+    if constexpr (std::is_same_v<D, uint8_t> || std::is_same_v<D, uint16_t>) {
+        Random random(9);
+        for (const int length : {3, 5, 9, 20}) {
+            for (const float factor : {3e1F, 3e4F, 3e6F, 3e12F, 3e30F, 3e38F}) {
+                auto kernels = randomKernels<float>(random, length, length, 0);
+                for (float& k : kernels.row) k *= factor;
+                if (random.chance(0.5)) {
+                    for (float& k : kernels.column) k /= factor;
+                }
+                if (random.chance(0.2)) kernels.column[1] = std::nanf("");
+                expectDefinition<TypeParam>(random, kernels, 50, 12, BorderReplicate, 0);
+            }
+        }
+    }
+}
+
 TYPED_TEST(SeparableFilter, FiltersInPlace) {
     if constexpr (std::is_same_v<typename TypeParam::S, typename TypeParam::D>) {
         using S = typename TypeParam::S;
