@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "filter/column_pass.h"
 #include "filter/column_stream.h"
+#include "filter/converting_row_filter.h"
 #include "filter/integer_pass.h"
 #include "filter/row_pass.h"
 #include "filter/separable_engine.h"
