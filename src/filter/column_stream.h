@@ -46,7 +46,8 @@ inline bool hasColumnStream(int64_t length) {
 }
 
 // Takes intermediate rows and gives the results of FloatColumnPass: out[x] = (sum of kernel[j] * rows[j][x],
-// in kernel order) * scale, for lengths that have a stream. Float results are not scaled.
+// in kernel order) * scale, for lengths that have a stream. Float results are not scaled; results that become
+// integers must be less than 2^31 in magnitude.
 template <class D>
 class ColumnStream {
   public:

@@ -9,36 +9,42 @@
 
 namespace okpcv {
 
-// `Rows` rows of the batch at one place of one vector. Sum r is that of output row r of the batch; the last
-// length - 1 sums are of rows behind it. Sum r takes from input row m the tap length - 1 - (r - m). Without
-// an output the completed sums, of rows above the region, are dropped.
-template <class D, int Length, bool Symmetric, int Rows, bool HasOutput, class Extent>
+// `Rows` rows of the batch at one place of `Vectors` vectors. Sum r is that of output row r of the batch; the
+// last length - 1 sums are of rows behind it. Sum r takes from input row m the tap length - 1 - (r - m).
+// Without an output the completed sums, of rows above the region, are dropped.
+template <class D, int Length, bool Symmetric, int Vectors, int Rows, bool HasOutput, class Extent>
 OKPCV_INLINE void streamRows(const Image<D>& out, const float* const* rows, int64_t x, const float* table,
                              float scale, float* state, Extent extent) {
     constexpr int lanes = Vec<float>::lanes;
     constexpr int pending = Length - 1;
     constexpr int products = Symmetric ? (Length + 1) / 2 : Length;
-    Vec<float> sum[Rows + pending];
-    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA { sum[r] = load(state + r * lanes); });
-    unrolled<Rows>([&](auto m) OKPCV_INLINE_LAMBDA {
-        const Vec<float> in = load(rows[m] + x, extent);
-        unrolled<products>([&](auto j) OKPCV_INLINE_LAMBDA {
-            const Vec<float> product = in * load(table + j * lanes);
-            constexpr int newest = m + pending - j;
-            constexpr int mirrored = m + j;
-            if constexpr (Symmetric && mirrored != newest) accumulate(sum[mirrored], product);
-            if constexpr (j == 0) {
-                sum[newest] = product;
-            } else {
-                accumulate(sum[newest], product);
-            }
-        });
-        if constexpr (HasOutput) {
-            const Vec<float> result[1] = {kIsFloat<D> ? sum[m] + zeros<float>() : sum[m] * broadcast(scale)};
-            storeResults(out.row(m) + x, result, extent);
-        }
+    Vec<float> sum[Vectors][Rows + pending];
+    const auto place = [](int v, int r) OKPCV_INLINE_LAMBDA { return (r * Vectors + v) * lanes; };
+    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < Vectors; ++v) sum[v][r] = load(state + place(v, r));
     });
-    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA { store(state + r * lanes, sum[Rows + r]); });
+    unrolled<Rows>([&](auto m) OKPCV_INLINE_LAMBDA {
+        Vec<float> result[Vectors];
+        unrolled<Vectors>([&](auto v) OKPCV_INLINE_LAMBDA {
+            const Vec<float> in = load(rows[m] + x + v * lanes, extent);
+            unrolled<products>([&](auto j) OKPCV_INLINE_LAMBDA {
+                const Vec<float> product = in * load(table + j * lanes);
+                constexpr int newest = m + pending - j;
+                constexpr int mirrored = m + j;
+                if constexpr (Symmetric && mirrored != newest) accumulate(sum[v][mirrored], product);
+                if constexpr (j == 0) {
+                    sum[v][newest] = product;
+                } else {
+                    accumulate(sum[v][newest], product);
+                }
+            });
+            result[v] = kIsFloat<D> ? sum[v][m] + zeros<float>() : sum[v][m] * broadcast(scale);
+        });
+        if constexpr (HasOutput) storeResults<Clamped::No>(out.row(m) + x, result, extent);
+    });
+    unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < Vectors; ++v) store(state + place(v, r), sum[v][Rows + r]);
+    });
 }
 
 template <class D, int Length, bool Symmetric>
@@ -48,14 +54,21 @@ void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* r
     alignas(kVectorBytes) float table[Length * lanes];
     for (int j = 0; j < Length; ++j) store(table + j * lanes, broadcast(kernel[j]));
 
-    // The last vector of a row is moved back to end with it.
+    // As many vectors at a time as leave room for their sums in registers. The last vector of a row is moved
+    // back to end with it.
+    constexpr int vectors = Length <= 5 ? 2 : 1;
     const auto stream = [&]<int Rows, bool HasOutput>(int64_t row) OKPCV_INLINE_LAMBDA {
         const Image<D> dst{HasOutput ? Image<D>{out, step}.row(row) : nullptr, step};
         float* places = state;
-        for (int64_t x = 0; x < count; x += lanes, places += (Length - 1) * lanes) {
+        int64_t x = 0;
+        for (; x + vectors * lanes <= count; x += vectors * lanes, places += (Length - 1) * vectors * lanes) {
+            streamRows<D, Length, Symmetric, vectors, Rows, HasOutput>(dst, rows + row, x, table, scale,
+                                                                       places, Whole{});
+        }
+        for (; x < count; x += lanes, places += (Length - 1) * lanes) {
             const int64_t at = x + lanes <= count ? x : count - lanes;
-            streamRows<D, Length, Symmetric, Rows, HasOutput>(dst, rows + row, at, table, scale, places,
-                                                              Whole{});
+            streamRows<D, Length, Symmetric, 1, Rows, HasOutput>(dst, rows + row, at, table, scale, places,
+                                                                 Whole{});
         }
     };
     int64_t row = 0;
@@ -63,11 +76,11 @@ void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* r
         for (; row < rowCount; ++row) {
             const Part part{static_cast<int>(count)};
             if (out == nullptr) {
-                streamRows<D, Length, Symmetric, 1, false>(Image<D>{}, rows + row, 0, table, scale, state,
-                                                           part);
+                streamRows<D, Length, Symmetric, 1, 1, false>(Image<D>{}, rows + row, 0, table, scale, state,
+                                                              part);
             } else {
                 const Image<D> dst{Image<D>{out, step}.row(row), step};
-                streamRows<D, Length, Symmetric, 1, true>(dst, rows + row, 0, table, scale, state, part);
+                streamRows<D, Length, Symmetric, 1, 1, true>(dst, rows + row, 0, table, scale, state, part);
             }
         }
     } else if (out == nullptr) {

@@ -28,6 +28,10 @@ bool allRows(T* const* rows, int64_t count) {
 // The arithmetic of a family of pipelines.
 enum class Sums { Single, Integer };
 
+// Whether integer passes take these elements and coefficients.
+template <class S, class K>
+inline constexpr bool kInIntegers = kIsInt<K> && (std::is_same_v<S, uint8_t> || std::is_same_v<S, int16_t>);
+
 // What a row pipeline is asked to do. K is float or int16_t; float kernels have no divisor.
 template <class S, class D, int Channels, class K>
 struct RowPipeline {
@@ -72,11 +76,13 @@ okpStatus filterRows(const RowPipeline<S, D, Channels, K>& call) {
         for (int64_t y = 0; y < size.height; ++y) rows.filter(call.dstRows[y], y, 0, size.width);
     };
     const DenormalExceptionMask mask;
-    if constexpr (kSums == Sums::Integer) {
-        run(IntegerRowPass<Channels>{call.kernel, call.kernelSize, scale});
-    } else {
-        run(FloatRowPass<K, Channels, true>{call.kernel, call.kernelSize, scale});
+    if constexpr (kInIntegers<S, K>) {
+        if (kSums == Sums::Integer || sumsAreExact<S>(call.kernel, call.kernelSize)) {
+            run(IntegerRowPass<Channels>{call.kernel, call.kernelSize, scale});
+            return okpStatusOk;
+        }
     }
+    run(FloatRowPass<K, Channels, true>{call.kernel, call.kernelSize, scale});
     return okpStatusOk;
 }
 
@@ -117,11 +123,13 @@ okpStatus filterColumns(const ColumnPipeline<S, D, Channels, K>& call) {
         }
     };
     const DenormalExceptionMask mask;
-    if constexpr (kSums == Sums::Integer) {
-        run(IntegerColumnPass<D, TimesScale>{call.kernel, call.kernelSize, 0, {scale}});
-    } else {
-        run(FloatColumnPass<D, K>{call.kernel, call.kernelSize, scale});
+    if constexpr (kInIntegers<S, K>) {
+        if (kSums == Sums::Integer || sumsAreExact<S>(call.kernel, call.kernelSize)) {
+            run(IntegerColumnPass<D, TimesScale>{call.kernel, call.kernelSize, 0, {scale}});
+            return okpStatusOk;
+        }
     }
+    run(FloatColumnPass<D, K>{call.kernel, call.kernelSize, scale});
     return okpStatusOk;
 }
 

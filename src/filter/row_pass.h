@@ -49,33 +49,4 @@ struct FloatRowPass {
     }
 };
 
-// Rows of another type, converted to float a stretch at a time before a float row pass reads them: the
-// conversion is paid once per element instead of once per tap.
-template <class S, class K, int Channels>
-struct ConvertingRowPass {
-    FloatRowPass<K, Channels> pass;
-    float* scratch;
-    int64_t scratchCount;  // more than (length - 1) * Channels
-
-    void operator()(float* out, const S* in, int64_t count) const {
-        const int64_t reach = (pass.length - 1) * Channels;
-        const int64_t stretch = scratchCount - reach;
-        for (int64_t x = 0; x < count; x += stretch) {
-            const int64_t n = count - x < stretch ? count - x : stretch;
-            convert(in + x, n + reach);
-            pass(out + x, scratch, n);
-        }
-    }
-
-  private:
-    __attribute__((noinline)) void convert(const S* in, int64_t count) const {
-        forBlocks<4, Vec<float>::lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            for (int v = 0; v < block.vectors; ++v) {
-                const int64_t at = x + v * Vec<float>::lanes;
-                store(scratch + at, loadAs<float>(in + at, extent), extent);
-            }
-        });
-    }
-};
-
 }  // namespace okpcv

@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "filter/column_pass.h"
 #include "filter/column_stream.h"
+#include "filter/converting_row_filter.h"
 #include "filter/integer_pass.h"
 #include "filter/row_pass.h"
 #include "filter/separable_engine.h"
@@ -68,7 +69,7 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
 }
 
 // The work buffer of one call, all of it within the promised number of bytes: the parts of the stream engine
-// if the column kernel has a stream and they fit, of the separable engine otherwise; and, for sources that
+// if it does the work and they fit, of the separable engine otherwise; and, for sources that
 // are converted before they are filtered, a stretch of a row as floats.
 template <class S, int Channels>
 struct WorkBuffer {
@@ -79,8 +80,9 @@ struct WorkBuffer {
     float* scratch;
     int64_t scratchCount;
 
+    // `canStream`: the stream engine does this work, if there is memory for it.
     WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
-               bool inPlace) {
+               bool inPlace, bool canStream) {
         constexpr bool converts = !kIsFloat<S>;
         const int64_t reach = (row.length - 1) * Channels;
         const int64_t leastScratch = converts ? reach + 8 * Channels : 0;
@@ -92,7 +94,7 @@ struct WorkBuffer {
             scratch = area.take<float>(scratchCount, kVectorBytes);
         };
 
-        if (hasColumnStream(column.length) && !inPlace) {
+        if (canStream) {
             const auto layOut = [&](Area& area) {
                 window = area.take<S>(windowPixels<float>(row) * Channels, kVectorBytes);
                 streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
@@ -136,23 +138,6 @@ float filteredBorderValue(S value, const K* kernel, int64_t length, float scale)
     }
 }
 
-// The sum of a kernel's coefficients without their signs.
-int64_t magnitude(const int16_t* kernel, int64_t length) {
-    int64_t sum = 0;
-    for (int64_t i = 0; i < length; ++i) {
-        const int64_t k = coefficient(kernel, i);
-        sum += k < 0 ? -k : k;
-    }
-    return sum;
-}
-
-// Whether no sum of products with elements of S can exceed what single precision counts exactly.
-template <class S>
-bool sumsAreExact(const int16_t* kernel, int64_t length) {
-    constexpr int64_t largest = std::is_same_v<S, uint8_t> ? 255 : 32768;
-    return magnitude(kernel, length) * largest <= int64_t{1} << 24;
-}
-
 // v * 2^-scaleFactor.
 float scaledDown(float v, int32_t scaleFactor) {
     constexpr int32_t enough = 300;  // shifts any float out of its range
@@ -160,9 +145,31 @@ float scaledDown(float v, int32_t scaleFactor) {
     return std::ldexp(v, exponent);
 }
 
+// Whether no result can reach 2^31 in magnitude, nor an intermediate value overflow, which column streams to
+// integers ask for. The limits leave room for the roundings of sums.
+template <class D, class S, class K>
+bool isBounded(const SeparableSpec& spec, float rowScale, float columnScale) {
+    if constexpr (kIsFloat<D>) {
+        return true;
+    } else {
+        const auto scaled = [](const void* kernel, int32_t length, float scale) {
+            const double sum = static_cast<double>(magnitude(static_cast<const K*>(kernel), length));
+            return sum * std::fabs(static_cast<double>(scale));
+        };
+        const double largest = std::is_same_v<S, uint8_t> ? 255 : 65535;
+        const double row = scaled(spec.rowKernel, spec.kernelWidth, rowScale) * largest;
+        const double result = scaled(spec.columnKernel, spec.kernelHeight, columnScale) * row;
+        return row <= powerOfTwo(100) && result <= powerOfTwo(29);
+    }
+}
+
 template <class K, class S, int Channels, class D>
 void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& task, float rowScale,
-                float columnScale, const WorkBuffer<S, Channels>& buffer) {
+                float columnScale, void* pBuffer, int64_t bytes) {
+    const bool streamed = hasColumnStream(task.column.length) && !task.inPlace() &&
+                          isBounded<D, S, K>(spec, rowScale, columnScale);
+    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, task.size.width,
+                                         task.inPlace(), streamed);
     const auto* const rowKernel = static_cast<const K*>(spec.rowKernel);
     const auto* const columnKernel = static_cast<const K*>(spec.columnKernel);
 
@@ -205,11 +212,13 @@ struct ExactPlan {
     int bits = 0;
     int32_t bias = 0;         // taken from row sums so that they fit 16 bits
     int32_t columnStart = 0;  // what that takes from column sums
+    bool negative = false;    // whether sums can be
 
     ExactPlan(const SeparableSpec& spec, int32_t scaleFactor) {
         const int64_t divisor = spec.divisor;
         if (divisor < 1 || (divisor & (divisor - 1)) != 0) return;
-        if (spec.kernelWidth > WrappingKernel::longest || spec.kernelHeight > WrappingKernel::longest) return;
+        if (spec.kernelWidth < 2 || spec.kernelWidth > PairedKernel::longest) return;
+        if (spec.kernelHeight > WrappingKernel::longest) return;
         const int64_t shift = 2 * int64_t{__builtin_ctzll(static_cast<uint64_t>(divisor))} + scaleFactor;
         if (shift < 0 || shift > 30) return;
 
@@ -219,14 +228,15 @@ struct ExactPlan {
         const Range sum = row.weighted(columnKernel, spec.kernelHeight);
         // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is less than this.
         const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
-        if (largest > int64_t{1} << 24) return;
+        if (row.high - row.low > 65535 || largest > int64_t{1} << 24) return;
 
         bits = static_cast<int>(shift);
+        negative = sum.low < 0;
         if (bits <= 15 && sum.low >= -32768 && sum.high <= 32767) {
             sums = Sums::Signed16;
         } else if (bits <= 15 && sum.low >= 0 && sum.high <= 65535) {
             sums = Sums::Unsigned16;
-        } else if (row.high - row.low <= 65535) {
+        } else {
             sums = Sums::Signed32;
             bias = row.low >= -32768 && row.high <= 32767 ? 0 : static_cast<int32_t>(row.low + 32768);
             int64_t columnSum = 0;
@@ -256,14 +266,14 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
                    const ExactPlan& plan, void* pBuffer, int64_t bytes) {
     const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
     const auto* const rowKernel = static_cast<const int16_t*>(spec.rowKernel);
-    const WrappingKernel wrappingRow(rowKernel, task.row.length);
-    const WrappingRowPass<Channels> rowPass{wrappingRow, static_cast<int16_t>(-plan.bias)};
+    const PairedKernel pairedRow(rowKernel, task.row.length);
+    const PairedRowPass<Channels> rowPass{pairedRow, static_cast<int16_t>(-plan.bias)};
 
     using Shapes = RingShapes<Channels, int16_t>;
-    const Shapes shapes(task.column, task.size.width, Shapes::batchFor(task.column));
+    const int64_t batch = roundUp(Shapes::batchFor(task.column), 2);  // output rows are made in pairs
+    const Shapes shapes(task.column, task.size.width, batch);
     Area fixed;
-    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column,
-                                                {0, Shapes::batchFor(task.column), 0});
+    layOutSeparable<Channels, uint8_t, int16_t>(fixed, task.row, task.column, {0, batch, 0});
     const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(int16_t)};
     Area placed(pBuffer);
     const auto buffer = layOutSeparable<Channels, uint8_t, int16_t>(
@@ -278,10 +288,15 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
         }
     }
     if (plan.sums == ExactPlan::Sums::Signed32) {
-        filterSeparable(task, buffer, outside, rowPass,
-                        IntegerColumnPass<D, ShiftedRight>{
-                            columnKernel, task.column.length, plan.columnStart, {plan.bits}});
-        return;
+        const auto run = [&](const auto& finish) {
+            filterSeparable(task, buffer, outside, rowPass,
+                            IntegerColumnPass<D, std::remove_cvref_t<decltype(finish)>>{
+                                columnKernel, task.column.length, plan.columnStart, finish});
+        };
+        if constexpr (std::is_signed_v<D>) {
+            if (plan.negative) return run(ShiftedRight<true>{plan.bits});
+        }
+        return run(ShiftedRight<false>{plan.bits});
     }
     const WrappingKernel wrappingColumn(columnKernel, task.column.length);
     if (plan.sums == ExactPlan::Sums::Signed16) {
@@ -328,14 +343,13 @@ okpStatus filter(Image<const S, Channels> src, Image<D, Channels> dst, Size size
             }
         }
     }
-    const WorkBuffer<S, Channels> buffer(pBuffer, bytes, task.row, task.column, size.width, task.inPlace());
     if (integer) {
         const float reciprocal = 1.0F / static_cast<float>(spec.divisor);
         const float columnScale =
             std::is_same_v<D, int16_t> ? scaledDown(reciprocal, spec.scaleFactor) : reciprocal;
-        filterWith<int16_t>(spec, task, reciprocal, columnScale, buffer);
+        filterWith<int16_t>(spec, task, reciprocal, columnScale, pBuffer, bytes);
     } else {
-        filterWith<float>(spec, task, 1.0F, 1.0F, buffer);
+        filterWith<float>(spec, task, 1.0F, 1.0F, pBuffer, bytes);
     }
     return okpStatusOk;
 }

@@ -47,6 +47,14 @@ constexpr int64_t windowPixels(Reach kernel) {
     return kernel.length - 1 + roundUp(reach, Vec<Mid>::lanes);
 }
 
+// Writes `count` pixels, all of one value.
+template <int Channels, class T>
+void fillPixels(T* out, int64_t count, const T* value) {
+    for (int64_t x = 0; x < count; ++x) {
+        for (int c = 0; c < Channels; ++c) *out++ = value[c];
+    }
+}
+
 // Makes intermediate rows. RowPass is a row pass (see row_pass.h).
 template <class S, int Channels, class D, class Mid, class RowPass>
 class RowFilter {
@@ -77,9 +85,7 @@ class RowFilter {
 
     // The same of a row of border values.
     void fillOutside(Mid* out, int64_t from, int64_t to) const {
-        for (int64_t x = from; x < to; ++x) {
-            for (int c = 0; c < Channels; ++c) *out++ = outside_[c];
-        }
+        fillPixels<Channels>(out, to - from, outside_);
     }
 
   private:

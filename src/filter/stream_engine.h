@@ -22,7 +22,7 @@
 namespace okpcv {
 
 // Elements of a tile's row; the tile is kept on the stack.
-inline constexpr int64_t kTileElements = 224;
+inline constexpr int64_t kTileElements = 384;
 
 template <int Channels>
 constexpr int64_t tilePixels() {

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "core/simd.h"
 
@@ -22,6 +23,18 @@ OKPCV_INLINE K coefficient(const K* kernel, int64_t i) {
     K value;
     std::memcpy(&value, reinterpret_cast<const char*>(kernel) + i * int64_t{sizeof(K)}, sizeof value);
     return value;
+}
+
+// The sum of a kernel's coefficients without their signs.
+template <class K>
+auto magnitude(const K* kernel, int64_t length) {
+    using Sum = std::conditional_t<kIsInt<K>, int64_t, double>;
+    Sum sum = 0;
+    for (int64_t i = 0; i < length; ++i) {
+        const Sum k = coefficient(kernel, i);
+        sum += k < 0 ? -k : k;
+    }
+    return sum;
 }
 
 // A kernel whose length the code knows. In all of these, Tap is a function that gives the address seen by

@@ -226,6 +226,60 @@ TYPED_TEST(SeparableFilter, RoundsSumsOfLargeCoefficients) {
     }
 }
 
+// Coefficients of either sign whose magnitudes add up to `total`, in lumps of any size.
+void shareOut(Random& random, std::vector<int16_t>& kernel, int total) {
+    while (total > 0) {
+        const int part = random.integer(1, total);
+        const int last = static_cast<int>(kernel.size()) - 1;
+        int16_t& k = kernel[static_cast<size_t>(random.integer(0, last))];
+        k = static_cast<int16_t>(k + (k < 0 || (k == 0 && random.chance(0.3)) ? -part : part));
+        total -= part;
+    }
+}
+
+// Divisors that are powers of two and sums that single precision holds exactly: 8-bit images are filtered in
+// integers then, as long as no row sum needs more than 16 bits.
+TYPED_TEST(SeparableFilter, EqualsItsDefinitionWhereSumsAreExact) {
+    if constexpr (std::is_same_v<typename TypeParam::S, uint8_t>) {
+        Random random(8);
+        const int lengths[] = {2, 3, 4, 5, 7, 9, 11, 13, 15, 16, 17, 21, 34, 63, 64, 65};
+        for (const int kw : lengths) {
+            for (const int total : {1, 16, 128, 256, 257, 258}) {
+                const int kh = lengths[random.integer(0, 15)];
+                Kernels<int16_t> kernels{std::vector<int16_t>(static_cast<size_t>(kw)),
+                                         std::vector<int16_t>(static_cast<size_t>(kh)),
+                                         1 << random.integer(0, 8)};
+                shareOut(random, kernels.row, total);
+                shareOut(random, kernels.column, random.integer(0, 256));
+                kernels.scaleFactor = random.integer(-2, 4);
+                if (random.chance(0.3)) makeSymmetric(kernels.column);
+                const BorderKind border = kBorders[random.integer(0, 23)];
+                expectDefinition<TypeParam>(random, kernels, random.integer(1, 150), random.integer(1, 40),
+                                            border, 0);
+            }
+        }
+    }
+}
+
+// Float kernels that take results, or sums on the way to them, out of the range of integers and of floats.
+TYPED_TEST(SeparableFilter, ClampsResultsOfAnySize) {
+    using D = typename TypeParam::D;
+    if constexpr (std::is_same_v<D, uint8_t> || std::is_same_v<D, uint16_t>) {
+        Random random(9);
+        for (const int length : {3, 5, 9, 20}) {
+            for (const float factor : {3e1F, 3e4F, 3e6F, 3e12F, 3e30F, 3e38F}) {
+                auto kernels = randomKernels<float>(random, length, length, 0);
+                for (float& k : kernels.row) k *= factor;
+                if (random.chance(0.5)) {
+                    for (float& k : kernels.column) k /= factor;
+                }
+                if (random.chance(0.2)) kernels.column[1] = std::nanf("");
+                expectDefinition<TypeParam>(random, kernels, 50, 12, BorderReplicate, 0);
+            }
+        }
+    }
+}
+
 TYPED_TEST(SeparableFilter, FiltersInPlace) {
     if constexpr (std::is_same_v<typename TypeParam::S, typename TypeParam::D>) {
         using S = typename TypeParam::S;
