@@ -668,13 +668,10 @@ class FoldedTaps {
     OKPCV_INLINE void sum(Vec<float> (&acc)[V], const Tap& tap, Extent extent) const {
         constexpr int lanes = Vec<float>::lanes;
         const int64_t half = Length != 0 ? Length / 2 : half_;
-        const auto c = [&](int64_t i) OKPCV_INLINE_LAMBDA {
-            return Length != 0 ? c_[i] : broadcast(coefficient(centre_, i));
-        };
-        const Vec<float> middle = c(0);
+        const Vec<float> middle = coefficients(0);
         for (int v = 0; v < V; ++v) acc[v] = middle * load(tap(half) + v * lanes, extent);
         for (int64_t i = 1; i <= half; ++i) {
-            const Vec<float> k = c(i);
+            const Vec<float> k = coefficients(i);
             const float* const a = tap(half - i);
             const float* const b = tap(half + i);
             for (int v = 0; v < V; ++v) {
@@ -683,7 +680,24 @@ class FoldedTaps {
         }
     }
 
+    // The same of elements in registers, of which element(i) is what tap i sees.
+    template <class Element>
+    OKPCV_INLINE Vec<float> sum(const Element& element) const {
+        constexpr int half = Length / 2;
+        Vec<float> acc = coefficients(0) * element(std::integral_constant<int, half>{});
+        unrolled<half>([&](auto i) OKPCV_INLINE_LAMBDA {
+            const Vec<float> a = element(std::integral_constant<int, half - 1 - i>{});
+            const Vec<float> b = element(std::integral_constant<int, half + 1 + i>{});
+            accumulate(acc, coefficients(i + 1) * (a + b));
+        });
+        return acc;
+    }
+
   private:
+    OKPCV_INLINE Vec<float> coefficients(int64_t i) const {
+        return Length != 0 ? c_[i] : broadcast(coefficient(centre_, i));
+    }
+
     const float* centre_;
     int64_t half_;
     Vec<float> c_[Length / 2 + 1];
@@ -719,21 +733,53 @@ struct FoldedColumnPass {
                                               const float* const* rows, int64_t count) const {
         const Image<float> dst{out, step};
         withGaussianLength(length, [&](auto fixed) OKPCV_INLINE_LAMBDA {
-            constexpr int lanes = Vec<float>::lanes;
             const FoldedTaps<fixed> taps(kernel, length);
-            forStored<4>(
-                out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                    for (int64_t r = 0; r < outRows; ++r) {
-                        Vec<float> acc[block.vectors];
-                        taps.sum(
-                            acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; },
-                            extent);
-                        for (int v = 0; v < block.vectors; ++v) {
-                            store(dst.row(r) + x + v * lanes, acc[v], extent);
-                        }
-                    }
-                });
+            // As many vectors as fit in registers.
+            constexpr int vectors = fixed == 5 || fixed == 7 ? 2 : 4;
+            forStored<vectors>(out, step, count, streamed,
+                               [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                                   if constexpr (fixed >= 3 && fixed <= 7) {
+                                       walkDown<block.vectors>(taps, dst, x, outRows, rows, extent);
+                                   } else {
+                                       computeRows<block.vectors>(taps, dst, x, outRows, rows, extent);
+                                   }
+                               });
         });
+    }
+
+  private:
+    static constexpr int lanes = Vec<float>::lanes;
+
+    template <int V, class Taps, class Extent>
+    static OKPCV_INLINE void computeRows(const Taps& taps, const Image<float>& dst, int64_t x,
+                                         int64_t outRows, const float* const* rows, Extent extent) {
+        for (int64_t r = 0; r < outRows; ++r) {
+            Vec<float> acc[V];
+            taps.sum(
+                acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; }, extent);
+            for (int v = 0; v < V; ++v) store(dst.row(r) + x + v * lanes, acc[v], extent);
+        }
+    }
+    // What the taps see stays in registers from one row to the next: each row is loaded once.
+    template <int V, int Length, class Extent>
+    static OKPCV_INLINE void walkDown(const FoldedTaps<Length>& taps, const Image<float>& dst, int64_t x,
+                                      int64_t outRows, const float* const* rows, Extent extent) {
+        Vec<float> seen[Length][V];  // of row j in place j % Length
+        const auto see = [&](int64_t j, auto place) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < V; ++v) seen[place][v] = load(rows[j] + x + v * lanes, extent);
+        };
+        unrolled<Length - 1>([&](auto j) OKPCV_INLINE_LAMBDA { see(j, j); });
+        for (int64_t r = 0; r < outRows; r += Length) {
+            unrolled<Length>([&](auto first) OKPCV_INLINE_LAMBDA {
+                if (r + first >= outRows) return;
+                see(r + first + Length - 1, std::integral_constant<int, (first + Length - 1) % Length>{});
+                for (int v = 0; v < V; ++v) {
+                    const auto element = [&](auto i)
+                                             OKPCV_INLINE_LAMBDA { return seen[(first + i) % Length][v]; };
+                    store(dst.row(r + first) + x + v * lanes, taps.sum(element), extent);
+                }
+            });
+        }
     }
 };
 
