@@ -531,6 +531,14 @@ OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
     __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
 
+// A constant, to be kept in a register: left to themselves, compilers read it again wherever it is used, and
+// loads are what loops have too many of.
+template <class T>
+OKPCV_INLINE Vec<T> inRegister(Vec<T> v) {
+    __asm__("" : "+x"(v.raw));
+    return v;
+}
+
 // a < b ? a : b, so b where the lanes are unordered or equal.
 template <class T>
 OKPCV_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -972,6 +980,16 @@ constexpr auto channelShuffles() {
 }
 
 }  // namespace detail
+
+// Orders of lanes: lane i takes lane order(i), or 0 where that is negative. `order` is a constant function.
+template <class Order>
+OKPCV_INLINE Vec<uint8_t> laneOrder(Order) {
+    static constexpr auto indices = detail::shuffleFrom(0, Order{});
+    return load(reinterpret_cast<const uint8_t*>(indices.at));
+}
+OKPCV_INLINE Vec<uint8_t> permuted(Vec<uint8_t> a, Vec<uint8_t> order) {
+    return {_mm_shuffle_epi8(a.raw, order.raw)};
+}
 
 // The lanes without every fourth, moved together; zeros behind them.
 template <class T>

@@ -1,10 +1,11 @@
 // Filters with fixed masks of 3 x 3 and 5 x 5 pixels: means, mixed second derivatives and Laplacians. 8-bit
 // images are filtered in 16-bit integers, which hold every sum of them; float images in single precision.
 //
-// Bound, per 16 outputs of an 8-bit image and mask length n: 2 n loads that widen, the 4 (mean, cross
-// derivative) to 26 (5 x 5 Laplacian) instructions of the row's sums, then as many additions as the mask has
-// distinct rows, twice. Float images need as many instructions for 4 outputs each way, and are bound by the
-// memory where they leave the caches.
+// Bound, per 16 outputs of an 8-bit image and mask length n: of means n loads, the 5 (3 x 3) or 7 instructions
+// of the row's sums, 4 or 8 additions of rows and 5 or 9 instructions that divide; of the others 2 n loads that
+// widen, the 2 (3 x 3 cross derivative) to 26 (5 x 5 Laplacian) instructions of the row's sums, then as many
+// additions as the mask has distinct rows, twice. Float images need as many instructions for 4 outputs each
+// way, and are bound by the memory where they leave the caches.
 #include "core/area.h"
 #include "core/border.h"
 #include "core/cache.h"
@@ -38,17 +39,22 @@ OKPCV_INLINE Vec<int16_t> withoutNegativeZero(Vec<int16_t> v) {
     return v;
 }
 
+// Sums of a vector of bytes' outputs: of the even ones and of the odd ones.
+struct EvenOdd {
+    Vec<int16_t> even, odd;
+};
+
 // ---- Masks ----------------------------------------------------------------------------------------------
 //
 // A mask computes from the elements that an output's taps see in one row what the outputs around it need of
 // that row (Row), adds it to the sum of the output to which the row is row J of the mask, from J = 0, which
 // sets the sum, to length - 1, and finishes the sum. `vectors` of sums advance side by side.
 
-template <class T, int kLength>
+template <int kLength>
 struct Mean {
     static constexpr int length = kLength;
     static constexpr int vectors = 2;
-    using V = Vec<T>;
+    using V = Vec<float>;
     using Row = V;
 
     static OKPCV_INLINE Row row(const V (&x)[length]) {
@@ -60,14 +66,48 @@ struct Mean {
     static OKPCV_INLINE void add(V& sum, Row row) {
         sum = J == 0 ? row : sum + row;
     }
-    static OKPCV_INLINE Vec<float> finished(Vec<float> sum) {
+    static OKPCV_INLINE V finished(V sum) {
         return withoutNegativeZero(sum) / broadcast(float{length * length});
     }
+};
+
+// Of bytes. Two neighbouring outputs see the same elements but for the first and the last: an instruction that
+// adds pairs of bytes serves both.
+template <int kLength>
+struct ByteMean {
+    static constexpr int length = kLength;
+    static constexpr int vectors = 1;
+    using V = EvenOdd;
+    using Row = V;
+
+    template <class Extent>
+    static OKPCV_INLINE Row row(const uint8_t* p, Extent extent) {
+        const Vec<int8_t> ones = broadcast(int8_t{1});
+        Vec<int16_t> inner = mulAddPairs(load(p + 1, oneMore(extent)), ones);
+        for (int i = 3; i < length; i += 2) {
+            inner = inner + mulAddPairs(load(p + i, oneMore(extent)), ones);
+        }
+        const Vec<int16_t> first = bitCast<int16_t>(load(p, extent)) & broadcast(int16_t{255});
+        const Vec<uint16_t> last = shiftRight(bitCast<uint16_t>(load(p + length - 1, extent)), 8);
+        return {inner + first, inner + bitCast<int16_t>(last)};
+    }
+    template <int J>
+    static OKPCV_INLINE void add(V& sum, const Row& row) {
+        sum = J == 0 ? row : V{sum.even + row.even, sum.odd + row.odd};
+    }
+    static OKPCV_INLINE Vec<uint8_t> finished(const V& sum) {
+        return bitCast<uint8_t>(divided(sum.even) | shiftLeft(divided(sum.odd), 8));
+    }
+
+  private:
     // Rounded half up. The factors are exact for all sums of bytes: 3641 / 2^15 for 9, 5243 / 2^17 for 25.
-    static OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> sum) {
+    static OKPCV_INLINE Vec<int16_t> divided(Vec<int16_t> sum) {
         if constexpr (length == 3) return mulFraction(sum, broadcast(int16_t{3641}));
         return shiftRight(mulHigh(sum + broadcast(int16_t{12}), broadcast(int16_t{5243})), 1);
     }
+    // A pair may end behind the part of a row whose outputs are computed, but not behind what they see.
+    static OKPCV_INLINE Whole oneMore(Whole) { return {}; }
+    static OKPCV_INLINE Part oneMore(Part part) { return {part.count + 1}; }
 };
 
 // Rows and columns (-1 0 1).
@@ -172,14 +212,15 @@ template <class Mask, class S, class D>
 struct MaskPass {
     using T = std::conditional_t<kIsFloat<S>, float, int16_t>;
     static constexpr int length = Mask::length;
-    static constexpr int lanes = Vec<T>::lanes;
+    static constexpr bool ofBytes = std::is_same_v<typename Mask::V, EvenOdd>;
+    static constexpr int lanes = ofBytes ? Vec<uint8_t>::lanes : Vec<T>::lanes;
 
     __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows, const S* const* rows,
                                               int64_t count) const {
         const Image<D> dst{out, step};
         forBlocks<Mask::vectors, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
             constexpr int n = block.vectors;
-            Vec<T> sums[length][n];
+            typename Mask::V sums[length][n];
             // Adds a row to the sums of the outputs of which it is row kLast, kLast - 1, ..., 0; the first of
             // them has slot kSlot.
             const auto add = [&](const S* row, auto kLast, auto kSlot) OKPCV_INLINE_LAMBDA {
@@ -197,7 +238,9 @@ struct MaskPass {
                 unrolled<length>([&](auto slot) OKPCV_INLINE_LAMBDA {
                     if (r + slot >= outRows) return;
                     add(rows[r + slot + length - 1], std::integral_constant<int, length - 1>{}, slot);
-                    storeFinished(dst.row(r + slot) + x, sums[slot], extent);
+                    for (int v = 0; v < n; ++v) {
+                        store(dst.row(r + slot) + x + v * lanes, Mask::finished(sums[slot][v]), extent);
+                    }
                 });
             }
         });
@@ -206,20 +249,12 @@ struct MaskPass {
   private:
     template <class Extent>
     static OKPCV_INLINE typename Mask::Row rowTerms(const S* p, Extent extent) {
-        Vec<T> x[length];
-        for (int i = 0; i < length; ++i) x[i] = loadAs<T>(p + i, extent);
-        return Mask::row(x);
-    }
-    template <int N, class Extent>
-    static OKPCV_INLINE void storeFinished(D* out, const Vec<T> (&sums)[N], Extent extent) {
-        if constexpr (sizeof(D) == sizeof(T)) {
-            for (int v = 0; v < N; ++v) store(out + v * lanes, Mask::finished(sums[v]), extent);
-        } else if constexpr (N == 1) {
-            const Vec<T> sum = Mask::finished(sums[0]);
-            storeFirst<lanes>(out, narrowSaturated<D>(sum, sum), extent);
+        if constexpr (ofBytes) {
+            return Mask::row(p, extent);
         } else {
-            static_assert(N == 2);
-            store(out, narrowSaturated<D>(Mask::finished(sums[0]), Mask::finished(sums[1])), extent);
+            Vec<T> x[length];
+            for (int i = 0; i < length; ++i) x[i] = loadAs<T>(p + i, extent);
+            return Mask::row(x);
         }
     }
 };
@@ -231,7 +266,7 @@ constexpr bool isMask(MaskSizeCode mask) {
 }
 
 template <class S>
-constexpr int kGroup = kIsFloat<S> ? Vec<float>::lanes : Vec<int16_t>::lanes;
+constexpr int kGroup = Vec<S>::lanes;
 
 template <class Mask, class S, class D>
 void run(const MaskTask<S, D>& task, void* pBuffer) {
@@ -292,8 +327,8 @@ using namespace okpcv;
         return bufferSize<S>(roiSize, mask, pBufferSize);                      \
     }
 
-FIXED_MASK(okpiFilterLowpassBorder_8u_C1R, uint8_t, uint8_t, Mean<int16_t, 3>, Mean<int16_t, 5>)
-FIXED_MASK(okpiFilterLowpassBorder_32f_C1R, float, float, Mean<float, 3>, Mean<float, 5>)
+FIXED_MASK(okpiFilterLowpassBorder_8u_C1R, uint8_t, uint8_t, ByteMean<3>, ByteMean<5>)
+FIXED_MASK(okpiFilterLowpassBorder_32f_C1R, float, float, Mean<3>, Mean<5>)
 FIXED_MASK(okpiFilterSobelCrossBorder_8u16s_C1R, uint8_t, int16_t, Cross3<int16_t>, Cross5<int16_t>)
 FIXED_MASK(okpiFilterSobelCrossBorder_32f_C1R, float, float, Cross3<float>, Cross5<float>)
 FIXED_MASK(okpiFilterLaplacianBorder_8u16s_C1R, uint8_t, int16_t, Laplacian3<int16_t>, Laplacian5<int16_t>)

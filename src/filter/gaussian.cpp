@@ -37,30 +37,26 @@ constexpr bool isChannelCount(int32_t channels) {
 
 // The ring of a call whose intermediate rows are made of Mid: within the second-level cache, or of whole rows
 // where the destination is the source.
-template <class T, int Channels, class Mid>
+template <int Channels, class Mid>
 RingShape ringShape(Reach kernel, int64_t width, bool inPlace) {
     using Shapes = RingShapes<Channels, Mid>;
     constexpr int64_t batch = 16;
     const Shapes shapes(kernel, width, batch);
-    return inPlace ? shapes.wholeRows() : shapes.preferred();
+    if (!inPlace) return shapes.preferred();
+    RingShape shape = shapes.wholeRows();
+    shape.pitch = roundUp(shape.pitch, Vec<Mid>::lanes);
+    return shape;
 }
+
+// What the row pass makes of elements of T, and the kernel as the passes read it.
+template <class T>
+using MidOf = std::conditional_t<kIsFloat<T>, float, int16_t>;
+template <class T>
+using TapsOf = std::conditional_t<sizeof(T) == 1, ByteTaps, WordTaps<T>>;
 
 template <class T>
 int16_t* takeTable(Area& area, int64_t kernelSize) {
-    return area.take<int16_t>(WordTaps<T>::tableElements(kernelSize), kVectorBytes);
-}
-
-template <class T, int Channels, class Mid>
-int64_t workBytesWith(Reach kernel, int64_t width) {
-    int64_t bytes = 0;
-    for (const bool inPlace : {false, true}) {
-        Area counted;
-        if constexpr (std::is_same_v<Mid, int16_t>) takeTable<T>(counted, kernel.length);
-        layOutSeparable<Channels, T, Mid>(counted, kernel, kernel,
-                                          ringShape<T, Channels, Mid>(kernel, width, inPlace));
-        bytes = std::max(bytes, counted.bytes());
-    }
-    return bytes;
+    return area.take<int16_t>(TapsOf<T>::tableElements(kernelSize), kVectorBytes);
 }
 
 // Bytes that a call may need, whatever its border, its kernel's weights, and whether it works in place. False
@@ -71,13 +67,13 @@ bool workBytes(int32_t kernelSize, int64_t width, int64_t& bytes) {
     int64_t rows = 0;
     if (!multiplyChecked(width, (int64_t{kernelSize} + 64) * 64, rows)) return false;
     const Reach kernel = Reach::centred(kernelSize);
-    if constexpr (kIsFloat<T>) {
-        bytes = workBytesWith<T, Channels, float>(kernel, width);
-    } else {
-        bytes = workBytesWith<T, Channels, int16_t>(kernel, width);
-    }
-    if constexpr (sizeof(T) == 1) {
-        bytes = std::max(bytes, workBytesWith<T, Channels, uint8_t>(kernel, width));
+    bytes = 0;
+    for (const bool inPlace : {false, true}) {
+        Area counted;
+        if constexpr (!kIsFloat<T>) takeTable<T>(counted, kernelSize);
+        layOutSeparable<Channels, T, MidOf<T>>(counted, kernel, kernel,
+                                               ringShape<Channels, MidOf<T>>(kernel, width, inPlace));
+        bytes = std::max(bytes, counted.bytes());
     }
     return true;
 }
@@ -88,7 +84,7 @@ template <class Mid, class T, int Channels, class RowPass, class ColumnPass>
 void run(const SeparableTask<T, Channels, T>& task, Area& area, const Mid* outside, const RowPass& rowPass,
          const ColumnPass& columnPass) {
     const auto buffer = layOutSeparable<Channels, T, Mid>(
-        area, task.row, task.column, ringShape<T, Channels, Mid>(task.row, task.size.width, task.inPlace()));
+        area, task.row, task.column, ringShape<Channels, Mid>(task.row, task.size.width, task.inPlace()));
     filterSeparable(task, buffer, outside, rowPass, columnPass);
 }
 
@@ -122,35 +118,30 @@ void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits,
         bits = 14;
     }
 
-    T outside[Channels] = {};
+    int16_t outside[Channels] = {};
     if (task.border.kind() == BorderConstant) {
         for (int c = 0; c < Channels; ++c) {
-            outside[c] = saturate<T>(shiftRightHalfUp(task.borderValue[c] * sum, bits));
+            const T v = saturate<T>(shiftRightHalfUp(task.borderValue[c] * sum, bits));
+            outside[c] = static_cast<int16_t>(v + kBias<T>);
         }
     }
+    Area area(pBuffer);
+    int16_t* const table = takeTable<T>(area, task.row.length);
     if constexpr (sizeof(T) == 1) {
         if (ThreeTaps::fits(kernel, task.row.length)) {
             const ThreeTaps threeTaps(kernel);
-            Area area(pBuffer);
-            run<uint8_t>(task, area, outside, ThreeTapRowPass<Channels>{threeTaps},
+            run<int16_t>(task, area, outside, ThreeTapRowPass<Channels>{threeTaps},
                          ThreeTapColumnPass{threeTaps, streamed});
             return;
         }
-        const ByteTaps byteTaps(kernel, task.row.length);
-        if (byteTaps.splits()) {
-            Area area(pBuffer);
-            run<uint8_t>(task, area, outside, ByteRowPass<Channels>{byteTaps},
-                         ByteColumnPass{byteTaps, streamed});
-            return;
-        }
+        const ByteTaps byteTaps(kernel, task.row.length, table);
+        run<int16_t>(task, area, outside, ByteRowPass<Channels>{byteTaps},
+                     ByteColumnPass{byteTaps, streamed});
+    } else {
+        const WordTaps<T> wordTaps(kernel, task.row.length, bits, table);
+        run<int16_t>(task, area, outside, WordRowPass<T, Channels>{wordTaps},
+                     WordColumnPass<T>{wordTaps, streamed});
     }
-    int16_t biased[Channels];
-    for (int c = 0; c < Channels; ++c) biased[c] = static_cast<int16_t>(outside[c] + WordTaps<T>::kBias);
-    Area area(pBuffer);
-    int16_t* const table = takeTable<T>(area, task.row.length);
-    const WordTaps<T> wordTaps(kernel, task.row.length, bits, table);
-    run<int16_t>(task, area, biased, WordRowPass<T, Channels>{wordTaps},
-                 WordColumnPass<T>{wordTaps, streamed});
 }
 
 // `borderType` is null where the spec's border holds.

@@ -35,180 +35,13 @@ OKPCV_INLINE void forStored(D* out, int64_t step, int64_t count, bool streamed, 
                                        OKPCV_INLINE_LAMBDA { body(block, extent, x + at); });
 }
 
-// ---- 8-bit images, coefficients in two digits -----------------------------------------------------------
-
-// An 8-bit kernel split for instructions that multiply bytes and add neighbours in 16 bits: each coefficient
-// is high * 2^digit + low, so that
-//
-//     (sum + 2^11) >> 12 = (sumOfHighs + 2^(11 - digit) + (sumOfLows >> digit)) >> (12 - digit)
-//
-// exactly. Sums of highs may wrap as long as what is shifted last fits 16 bits; sums of lows and sums of two
-// products must not.
-class ByteTaps {
-  public:
-    static constexpr int64_t longest = 63;
-
-    ByteTaps(const int16_t* kernel, int64_t length) : length_(length) {
-        if (length > longest) return;
-        for (const int digit : {5, 4}) {
-            digit_ = digit;
-            splits_ = split(kernel);
-            if (splits_) return;
-        }
-    }
-
-    // Whether the kernel can be split so.
-    bool splits() const { return splits_; }
-    int64_t length() const { return length_; }
-
-    // The digits of the taps 2 * pair and 2 * pair + 1 in all pairs of lanes; of pair length() / 2 those of
-    // the last tap and 0, and of the one behind it the same the other way round.
-    OKPCV_INLINE Vec<int8_t> high(int64_t pair) const { return load(high_[pair]); }
-    OKPCV_INLINE Vec<int8_t> low(int64_t pair) const { return load(low_[pair]); }
-
-    OKPCV_INLINE Vec<int16_t> start() const { return broadcast(static_cast<int16_t>(1 << (11 - digit_))); }
-    OKPCV_INLINE int digit() const { return digit_; }
-
-  private:
-    static constexpr int32_t kLargestSum = 4103;  // of coefficients: then no result exceeds 255
-    static constexpr int32_t kLargestByteSum = 128;
-
-    bool split(const int16_t* kernel) {
-        int32_t sum = 0, above = 0, below = 0, previousHigh = 0;
-        int8_t highs[longest + 1] = {}, lows[longest + 1] = {};
-        for (int64_t i = 0; i < length_; ++i) {
-            const int32_t k = coefficient(kernel, i);
-            const int32_t base = 1 << digit_;
-            int32_t low = k & (base - 1);
-            // The lows are kept balanced, which keeps their sums small.
-            if (above + low > below + base - low && (k >> digit_) < 127) low -= base;
-            const int32_t high = (k - low) >> digit_;
-            if (high > 127) {
-                low += (high - 127) * base;
-                if (low > 127) return false;
-            }
-            highs[i] = static_cast<int8_t>(high > 127 ? 127 : high);
-            lows[i] = static_cast<int8_t>(low);
-            (low > 0 ? above : below) += low > 0 ? low : -low;
-            sum += k;
-            if (highs[i] + previousHigh > kLargestByteSum) return false;
-            previousHigh = highs[i];
-        }
-        if (sum > kLargestSum || above > kLargestByteSum || below > kLargestByteSum) return false;
-        for (int64_t pair = 0; pair <= length_ / 2; ++pair) {
-            fill(high_[pair], highs[2 * pair], highs[2 * pair + 1]);
-            fill(low_[pair], lows[2 * pair], lows[2 * pair + 1]);
-        }
-        fill(high_[length_ / 2 + 1], 0, highs[length_ - 1]);
-        fill(low_[length_ / 2 + 1], 0, lows[length_ - 1]);
-        return true;
-    }
-    static OKPCV_INLINE Vec<int8_t> load(const int8_t* p) { return loadAligned(p); }
-    static void fill(int8_t* lanes, int8_t first, int8_t second) {
-        store(lanes, interleaveLow(broadcast(first), broadcast(second)));
-    }
-
-    static constexpr int kLanes = Vec<int8_t>::lanes;
-    alignas(kVectorBytes) int8_t high_[longest / 2 + 2][kLanes];
-    alignas(kVectorBytes) int8_t low_[longest / 2 + 2][kLanes];
-    int64_t length_;
-    int digit_ = 0;
-    bool splits_ = false;
-};
-
-// The taps of a kernel whose length the code knows, or of any (Length 0), for the time of one pass: what
-// would be read again after every store, which might have changed it for all the compiler knows, is copied.
-template <int Length>
-class PassTaps {
-  public:
-    OKPCV_INLINE explicit PassTaps(const ByteTaps& byteTaps)
-        : taps(byteTaps), start(taps.start()), length_(taps.length()), digit_(taps.digit()) {}
-
-    const ByteTaps& taps;
-    const Vec<int16_t> start;
-
-    OKPCV_INLINE int64_t length() const { return Length != 0 ? Length : length_; }
-    // Calls body(i) for the pairs of taps before the last tap.
-    template <class Body>
-    OKPCV_INLINE void forPairs(const Body& body) const {
-        if constexpr (Length != 0) {
-            unrolled<Length / 2>([&](auto pair) OKPCV_INLINE_LAMBDA { body(int64_t{pair}); });
-        } else {
-            for (int64_t pair = 0; pair < length_ / 2; ++pair) body(pair);
-        }
-    }
-    // Of sums of highs, which began with `start`, and of lows.
-    OKPCV_INLINE Vec<int16_t> finished(Vec<int16_t> highs, Vec<int16_t> lows) const {
-        return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(highs + shiftRight(lows, digit_)), 12 - digit_));
-    }
-
-  private:
-    int64_t length_;
-    int digit_;
-};
-
-// One vector of results; Tap is a function that gives the address seen by tap i.
-//
-// Bound, per two taps and sixteen elements: two loads, two interleavings, four multiply-add instructions and
-// four additions.
-template <class Taps, class Tap, class Extent>
-OKPCV_INLINE Vec<uint8_t> byteResults(const Taps& taps, const Tap& tap, Extent extent) {
-    Vec<int16_t> highs[2] = {taps.start, taps.start};
-    Vec<int16_t> lows[2] = {zeros<int16_t>(), zeros<int16_t>()};
-    const auto add = [&](Vec<uint8_t> a, Vec<uint8_t> b, int64_t pair) OKPCV_INLINE_LAMBDA {
-        const Vec<uint8_t> first = interleaveLow(a, b);
-        const Vec<uint8_t> second = interleaveHigh(a, b);
-        accumulate(highs[0], mulAddPairs(first, taps.taps.high(pair)));
-        accumulate(highs[1], mulAddPairs(second, taps.taps.high(pair)));
-        accumulate(lows[0], mulAddPairs(first, taps.taps.low(pair)));
-        accumulate(lows[1], mulAddPairs(second, taps.taps.low(pair)));
-    };
-    taps.forPairs([&](int64_t pair) OKPCV_INLINE_LAMBDA {
-        add(load(tap(2 * pair), extent), load(tap(2 * pair + 1), extent), pair);
-    });
-    add(load(tap(taps.length() - 1), extent), zeros<uint8_t>(), taps.length() / 2);
-    return narrowSaturated<uint8_t>(taps.finished(highs[0], lows[0]), taps.finished(highs[1], lows[1]));
-}
-
-// The same of neighbouring elements of a row of one channel. A load at the first of two taps has the two
-// neighbours in place for even elements, a load one further on for odd ones: nothing is interleaved.
-template <int N, class Taps, class Extent>
-OKPCV_INLINE void byteResultsOfNeighbours(Vec<uint8_t> (&results)[N], const Taps& taps, const uint8_t* in,
-                                          Extent extent) {
-    const auto oneMore = [](auto e) OKPCV_INLINE_LAMBDA {
-        if constexpr (std::is_same_v<decltype(e), Part>) {
-            return Part{e.count + 1};
-        } else {
-            return e;
-        }
-    };
-    constexpr int lanes = Vec<uint8_t>::lanes;
-    Vec<int16_t> evenHighs[N], oddHighs[N], evenLows[N], oddLows[N];
-    for (int v = 0; v < N; ++v) {
-        evenHighs[v] = oddHighs[v] = taps.start;
-        evenLows[v] = oddLows[v] = zeros<int16_t>();
-    }
-    const auto add = [&](int v, Vec<uint8_t> even, Vec<uint8_t> odd, int64_t evenPair, int64_t oddPair)
-                         OKPCV_INLINE_LAMBDA {
-                             accumulate(evenHighs[v], mulAddPairs(even, taps.taps.high(evenPair)));
-                             accumulate(oddHighs[v], mulAddPairs(odd, taps.taps.high(oddPair)));
-                             accumulate(evenLows[v], mulAddPairs(even, taps.taps.low(evenPair)));
-                             accumulate(oddLows[v], mulAddPairs(odd, taps.taps.low(oddPair)));
-                         };
-    const uint8_t* p = in;
-    taps.forPairs([&](int64_t pair) OKPCV_INLINE_LAMBDA {
-        for (int v = 0; v < N; ++v) {
-            const uint8_t* const at = p + v * lanes;
-            add(v, load(at, oneMore(extent)), load(at + 1, extent), pair, pair);
-        }
-        p += 2;
-    });
-    const int64_t last = taps.length() / 2;
-    for (int v = 0; v < N; ++v) {
-        const Vec<uint8_t> in0 = load(p + v * lanes, extent);
-        add(v, in0, in0, last, last + 1);
-        results[v] = bitCast<uint8_t>(taps.finished(evenHighs[v], evenLows[v]) |
-                                      shiftLeft(taps.finished(oddHighs[v], oddLows[v]), 8));
+// Calls run(load) with the load for rows of the ring, which are aligned, at element x.
+template <int Lanes, class Extent, class Run>
+OKPCV_INLINE void forRowLoads(int64_t x, Extent, const Run& run) {
+    if (!std::is_same_v<Extent, Part> && x % Lanes == 0) {
+        run([](const auto* p, auto) OKPCV_INLINE_LAMBDA { return loadAligned(p); });
+    } else {
+        run([](const auto* p, auto extent) OKPCV_INLINE_LAMBDA { return load(p, extent); });
     }
 }
 
@@ -229,96 +62,328 @@ OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
     }
 }
 
-template <int Channels>
-struct ByteRowPass {
-    const ByteTaps& taps;
+// ---- 8-bit images ---------------------------------------------------------------------------------------
 
-    __attribute__((noinline)) void operator()(uint8_t* out, const uint8_t* in, int64_t count) const {
-        withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
-            const PassTaps<length> passTaps(taps);
-            constexpr int lanes = Vec<uint8_t>::lanes;
-            forBlocks<length == 0 && Channels == 1 ? 2 : 1, lanes>(
-                count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                    Vec<uint8_t> results[block.vectors];
-                    if constexpr (Channels == 1) {
-                        byteResultsOfNeighbours(results, passTaps, in + x, extent);
-                    } else {
-                        for (int v = 0; v < block.vectors; ++v) {
-                            const auto tap = [p = in + x + v * lanes](int64_t i)
-                                                 OKPCV_INLINE_LAMBDA { return p + i * Channels; };
-                            results[v] = byteResults(passTaps, tap, extent);
-                        }
-                    }
-                    for (int v = 0; v < block.vectors; ++v) store(out + x + v * lanes, results[v], extent);
-                });
-        });
+// An 8-bit kernel, folded: element c sees the centre, and tap i, counted from the centre, sees the sum of two
+// elements, which is a word. Two such words at a time are multiplied and added in 32 bits.
+class ByteTaps {
+  public:
+    // Elements of the table for a kernel of a length.
+    static constexpr int64_t tableElements(int64_t length) { return (length / 4 + 1) * kLanes; }
+
+    // `table` must be aligned for vectors.
+    ByteTaps(const int16_t* kernel, int64_t length, int16_t* table) : table_(table), half_(length / 2) {
+        const int16_t* const centre = kernel + half_;
+        const auto put = [table](int64_t i, int16_t first, int16_t second) {
+            store(table + i * kLanes, interleaveLow(broadcast(first), broadcast(second)));
+        };
+        const int64_t pairs = half_ / 2;
+        for (int64_t i = 0; i < pairs; ++i) {
+            put(i, coefficient(centre, 2 * i + 1), coefficient(centre, 2 * i + 2));
+        }
+        if (half_ % 2 != 0) {
+            put(pairs, coefficient(centre, half_), coefficient(centre, 0));
+        } else {
+            put(pairs, coefficient(centre, 0), kHalf);
+        }
     }
+
+    // Taps on either side of the centre.
+    int64_t half() const { return half_; }
+
+    // For mulAddPairs, the coefficients of the taps 2 * i + 1 and 2 * i + 2. At the end, at i = half() / 2,
+    // those of the last tap and the centre, or of the centre and a rounding term.
+    OKPCV_INLINE Vec<int16_t> pair(int64_t i) const { return loadAligned(table_ + i * kLanes); }
+
+    static constexpr int kBits = 12;
+    static constexpr int16_t kHalf = 1 << (kBits - 1);
+
+  private:
+    static constexpr int kLanes = Vec<int16_t>::lanes;
+
+    const int16_t* table_;
+    int64_t half_;
 };
 
-struct ByteColumnPass {
-    const ByteTaps& taps;
-    bool streamed;
-
-    __attribute__((noinline)) void operator()(uint8_t* out, int64_t step, int64_t outRows,
-                                              const uint8_t* const* rows, int64_t count) const {
-        constexpr int lanes = Vec<uint8_t>::lanes;
-        const Image<uint8_t> dst{out, step};
-        withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
-            const PassTaps<length> passTaps(taps);
-            forStored<kCacheLineBytes / kVectorBytes>(
-                out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                    for (int64_t r = 0; r < outRows; ++r) {
-                        for (int v = 0; v < block.vectors; ++v) {
-                            const int64_t at = x + v * lanes;
-                            const auto tap = [row = rows + r, at](int64_t i)
-                                                 OKPCV_INLINE_LAMBDA { return row[i] + at; };
-                            store(dst.row(r) + at, byteResults(passTaps, tap, extent), extent);
-                        }
-                    }
-                });
-        });
+// The taps for the time of one pass, of a kernel whose length the code knows, or of any (Length 0): what the
+// code knows stays in registers.
+template <int Length>
+class PassTaps {
+  public:
+    OKPCV_INLINE explicit PassTaps(const ByteTaps& taps)
+        : rounding(inRegister(broadcast(int32_t{ByteTaps::kHalf}))), table_(taps), anyHalf_(taps.half()) {
+        if constexpr (Length != 0) {
+            for (int i = 0; i <= Length / 4; ++i) pairs_[i] = taps.pair(i);
+        }
     }
+
+    const Vec<int32_t> rounding;
+
+    OKPCV_INLINE int64_t half() const { return Length != 0 ? Length / 2 : anyHalf_; }
+    OKPCV_INLINE Vec<int16_t> pair(int64_t i) const { return Length != 0 ? pairs_[i] : table_.pair(i); }
+    // Calls body(i) for the pairs from `first` on that are full.
+    template <class Body>
+    OKPCV_INLINE void forPairs(int64_t first, const Body& body) const {
+        if constexpr (Length != 0) {
+            unrolled<Length / 4>([&](auto i) OKPCV_INLINE_LAMBDA {
+                if (i >= first) body(i);
+            });
+        } else {
+            for (int64_t i = first; i < anyHalf_ / 2; ++i) body(i);
+        }
+    }
+
+    // Of sums that were rounded. Rounding the coefficients of a few taps adds too little to their sum for a
+    // result above 255.
+    static OKPCV_INLINE Vec<int16_t> results(Vec<int32_t> low, Vec<int32_t> high) {
+        constexpr int bits = ByteTaps::kBits;
+        const auto words = narrowSaturated<int16_t>(shiftRight(low, bits), shiftRight(high, bits));
+        return Length != 0 ? words : min(words, broadcast(int16_t{255}));
+    }
+
+  private:
+    const ByteTaps& table_;
+    int64_t anyHalf_;
+    Vec<int16_t> pairs_[Length / 4 + 1];
 };
 
-// ---- 8-bit images, three taps ---------------------------------------------------------------------------
+// Vectors of words; word(i, v) loads, as words, what tap i of 2 * half + 1 sees of vector v.
+//
+// Bound, per four taps and eight elements: four loads, two additions, two interleavings, two multiply-add
+// instructions and two additions.
+template <int V, int Length, class Word>
+OKPCV_INLINE void foldedWords(Vec<int16_t> (&results)[V], const PassTaps<Length>& taps, const Word& word) {
+    const int64_t half = taps.half();
+    const auto both = [&](int64_t i, int v)
+                          OKPCV_INLINE_LAMBDA { return word(half - i, v) + word(half + i, v); };
+    Vec<int32_t> low[V], high[V];
+    const Vec<int16_t> end = taps.pair(half / 2);
+    for (int v = 0; v < V; ++v) {
+        const bool centreFirst = half % 2 == 0;
+        const Vec<int16_t> a = centreFirst ? word(half, v) : both(half, v);
+        const Vec<int16_t> b = centreFirst ? broadcast(int16_t{1}) : word(half, v);
+        low[v] = mulAddPairs(interleaveLow(a, b), end);
+        high[v] = mulAddPairs(interleaveHigh(a, b), end);
+        if (!centreFirst) {
+            low[v] = low[v] + taps.rounding;
+            high[v] = high[v] + taps.rounding;
+        }
+    }
+    taps.forPairs(0, [&](int64_t i) OKPCV_INLINE_LAMBDA {
+        const Vec<int16_t> c = taps.pair(i);
+        for (int v = 0; v < V; ++v) {
+            const Vec<int16_t> a = both(2 * i + 1, v);
+            const Vec<int16_t> b = both(2 * i + 2, v);
+            accumulate(low[v], mulAddPairs(interleaveLow(a, b), c));
+            accumulate(high[v], mulAddPairs(interleaveHigh(a, b), c));
+        }
+    });
+    for (int v = 0; v < V; ++v) results[v] = taps.results(low[v], high[v]);
+}
+
+// The row pass of long stretches, four outputs' sums at a time: a byte shuffle brings the elements that two
+// taps of an output see into a lane of 32 bits, one instruction folds them, another multiplies and adds. The
+// taps near the centre share the vector around it.
+//
+// Bound, per four taps and four outputs: one shuffle, two multiply-add instructions, one addition and one
+// copy, or of taps far from the centre two loads.
+template <int Channels, int Length>
+class ByteRow {
+    static constexpr int kLanes = Vec<uint8_t>::lanes;
+    static constexpr int kOutputs = Vec<int32_t>::lanes;
+    // The taps that the vector around the centre serves, on either side.
+    static constexpr int kMostNear = (kLanes - kOutputs) / 2 / Channels;
+    static constexpr int kNear = Length != 0 && Length / 2 < kMostNear ? Length / 2 : kMostNear;
+    // Where the centre of the first output is in that vector, which ends with what the last tap sees.
+    static constexpr int kCentre = kLanes - kOutputs - kNear * Channels;
+
+  public:
+    // Elements that are read before the first that a tap of a known length sees.
+    static constexpr int before = kCentre - kNear * Channels;
+
+    OKPCV_INLINE explicit ByteRow(const ByteTaps& taps)
+        : taps_(taps), ones_(inRegister(broadcast(int8_t{1}))), far_(inRegister(laneOrder(Far{}))) {
+        unrolled<kNear / 2>([&](auto i) OKPCV_INLINE_LAMBDA {
+            near_[i] = inRegister(laneOrder(Near<2 * i + 1, 2 * i + 2>{}));
+        });
+        near_[kNear / 2] =
+            inRegister(kNear % 2 == 0 ? laneOrder(Near<0, kNone>{}) : laneOrder(Near<kNear, 0>{}));
+    }
+
+    // Vectors of words.
+    template <int V>
+    OKPCV_INLINE void results(Vec<int16_t> (&words)[V], const uint8_t* in) const {
+        constexpr int groups = 2 * V;
+        const int64_t half = taps_.half();
+        const uint8_t* const centre = in + half * Channels;
+        Vec<uint8_t> near[groups];
+        Vec<int32_t> sum[groups];
+        for (int g = 0; g < groups; ++g) {
+            near[g] = load(centre + g * kOutputs - kCentre);
+            sum[g] = taps_.rounding;
+        }
+        const auto add = [&](int g, Vec<int16_t> v, int64_t i)
+                             OKPCV_INLINE_LAMBDA { accumulate(sum[g], mulAddPairs(v, taps_.pair(i))); };
+        unrolled<kNear / 2>([&](auto i) OKPCV_INLINE_LAMBDA {
+            for (int g = 0; g < groups; ++g) add(g, folded(permuted(near[g], near_[i])), i);
+        });
+        taps_.forPairs(kNear / 2, [&](int64_t i) OKPCV_INLINE_LAMBDA {
+            const uint8_t* const left = centre - (2 * i + 2) * Channels;
+            const uint8_t* const right = centre + (2 * i + 2) * Channels + kOutputs - kLanes / 2;
+            for (int g = 0; g < groups; ++g) {
+                add(g, folded(permuted(loadHalves(left + g * kOutputs, right + g * kOutputs), far_)), i);
+            }
+        });
+        if (half % 2 == 0) {
+            for (int g = 0; g < groups; ++g) {
+                add(g, bitCast<int16_t>(permuted(near[g], near_[kNear / 2])), half / 2);
+            }
+        } else if (half == kNear) {
+            for (int g = 0; g < groups; ++g) {
+                add(g, folded(permuted(near[g], near_[kNear / 2])), half / 2);
+            }
+        } else {
+            for (int v = 0; v < V; ++v) {
+                const auto word = [&](int64_t i) OKPCV_INLINE_LAMBDA {
+                    return loadAs<int16_t>(centre + i * Channels + v * Vec<int16_t>::lanes);
+                };
+                const Vec<int16_t> last = word(-half) + word(half);
+                add(2 * v, interleaveLow(last, word(0)), half / 2);
+                add(2 * v + 1, interleaveHigh(last, word(0)), half / 2);
+            }
+        }
+        for (int v = 0; v < V; ++v) words[v] = taps_.results(sum[2 * v], sum[2 * v + 1]);
+    }
+
+  private:
+    static constexpr int kNone = -1;  // instead of a tap
+
+    // The lanes of the vector around the centre that the taps A and B of each output see.
+    template <int A, int B>
+    struct Near {
+        constexpr int operator()(int i) const {
+            const int tap = i % 4 < 2 ? A : B;
+            const bool right = i % 2 != 0;
+            if (tap == kNone || (tap == 0 && right)) return -1;
+            return kCentre + i / 4 + (right ? tap : -tap) * Channels;
+        }
+    };
+    // The same of two neighbouring taps and two half vectors: what the left taps see begins the first, what
+    // the right ones see ends the second.
+    struct Far {
+        constexpr int operator()(int i) const {
+            const int inner = i % 4 < 2 ? Channels : 0;
+            return i / 4 + (i % 2 != 0 ? kLanes - kOutputs - inner : inner);
+        }
+    };
+
+    OKPCV_INLINE Vec<int16_t> folded(Vec<uint8_t> v) const { return mulAddPairs(v, ones_); }
+
+    PassTaps<Length> taps_;
+    Vec<int8_t> ones_;
+    Vec<uint8_t> far_;
+    Vec<uint8_t> near_[kNear / 2 + 1];
+};
 
 // A kernel k, 4096 - 2 k, k: its sum is one, so that
 //
 //     (sum + 2^11) >> 12 = centre + ((k * (left + right - 2 * centre) + 2^11) >> 12).
-struct ThreeTaps {
-    Vec<int16_t> factor;
-
+//
+// Bound, per eight elements: three loads and five other instructions.
+class ThreeTaps {
+  public:
     static bool fits(const int16_t* kernel, int64_t length) {
         return length == 3 && 2 * coefficient(kernel, 0) + coefficient(kernel, 1) == 4096;
     }
     explicit ThreeTaps(const int16_t* kernel)
-        : factor(broadcast(static_cast<int16_t>(8 * coefficient(kernel, 0)))) {}
+        : factor_(broadcast(static_cast<int16_t>(8 * coefficient(kernel, 0)))) {}
 
-    // Bound, per sixteen elements: six loads that widen and ten other instructions.
-    template <class Extent>
-    OKPCV_INLINE Vec<uint8_t> results(const uint8_t* left, const uint8_t* centre, const uint8_t* right,
-                                      Extent extent) const {
-        const auto half = [&](int at) OKPCV_INLINE_LAMBDA {
-            const auto elements = [&](const uint8_t* p) OKPCV_INLINE_LAMBDA {
-                return loadAs<int16_t>(p + at, extent.from(at));
-            };
-            const Vec<int16_t> c = elements(centre);
-            return c + mulFraction(elements(left) + elements(right) - (c + c), factor);
-        };
-        return narrowSaturated<uint8_t>(half(0), half(Vec<int16_t>::lanes));
+    OKPCV_INLINE Vec<int16_t> result(Vec<int16_t> left, Vec<int16_t> centre, Vec<int16_t> right) const {
+        return centre + mulFraction(left + right - (centre + centre), factor_);
     }
+
+  private:
+    Vec<int16_t> factor_;
 };
 
 template <int Channels>
 struct ThreeTapRowPass {
     ThreeTaps taps;
 
-    __attribute__((noinline)) void operator()(uint8_t* out, const uint8_t* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
         const ThreeTaps t = taps;
-        forBlocks<1, Vec<uint8_t>::lanes>(count, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            const uint8_t* const p = in + x;
-            store(out + x, t.results(p, p + Channels, p + 2 * Channels, extent), extent);
+        forBlocks<2, Vec<int16_t>::lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < block.vectors; ++v) {
+                const int64_t at = x + v * Vec<int16_t>::lanes;
+                const auto word = [&](int64_t i) OKPCV_INLINE_LAMBDA {
+                    return loadAs<int16_t>(in + at + i * Channels, extent);
+                };
+                store(out + at, t.result(word(0), word(1), word(2)), extent);
+            }
         });
+    }
+};
+
+// Columns of bytes from rows of words; words(results, word) computes vectors of words, where word(i, v) loads
+// what tap i sees of vector v.
+template <class Words>
+OKPCV_INLINE void forWordRows(uint8_t* out, int64_t step, int64_t outRows, const int16_t* const* rows,
+                              int64_t count, bool streamed, const Words& words) {
+    const Image<uint8_t> dst{out, step};
+    forStored<kCacheLineBytes / kVectorBytes>(
+        out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            forRowLoads<Vec<int16_t>::lanes>(x, extent, [&](const auto& loadRow) OKPCV_INLINE_LAMBDA {
+                for (int64_t r = 0; r < outRows; ++r) {
+                    for (int v = 0; v < block.vectors; ++v) {
+                        const int64_t at = x + v * Vec<uint8_t>::lanes;
+                        Vec<int16_t> results[2];
+                        words(results, [&](int64_t i, int half) OKPCV_INLINE_LAMBDA {
+                            const int offset = half * Vec<int16_t>::lanes;
+                            return loadRow(rows[r + i] + at + offset, extent.from(offset));
+                        });
+                        store(dst.row(r) + at, narrowSaturated<uint8_t>(results[0], results[1]), extent);
+                    }
+                }
+            });
+        });
+}
+
+template <int Channels>
+struct ByteRowPass {
+    const ByteTaps& taps;
+
+    __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
+        if (Channels == 1 && taps.half() == 5) return run<11>(out, in, count);
+        withGaussianLength(2 * taps.half() + 1,
+                           [&](auto length) OKPCV_INLINE_LAMBDA { run<length>(out, in, count); });
+    }
+
+  private:
+    template <int Length>
+    OKPCV_INLINE void run(int16_t* out, const uint8_t* in, int64_t count) const {
+        constexpr int lanes = Vec<int16_t>::lanes;
+        constexpr int vectors = Length != 0 ? 1 : 2;
+        using Row = ByteRow<Channels, Length>;
+        constexpr int64_t begin = Row::before > 0 ? roundUp(Row::before, lanes) : 0;
+        const bool allShort = count < begin + vectors * lanes;
+        const PassTaps<Length> passTaps(taps);
+        forBlocks<1, lanes>(allShort ? count : begin, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            Vec<int16_t> results[1];
+            foldedWords(results, passTaps, [&](int64_t i, int) OKPCV_INLINE_LAMBDA {
+                return loadAs<int16_t>(in + x + i * Channels, extent);
+            });
+            store(out + x, results[0], extent);
+        });
+        if (allShort) return;
+        const Row row(taps);
+        const auto step = [&](int64_t x) OKPCV_INLINE_LAMBDA {
+            Vec<int16_t> results[vectors];
+            row.results(results, in + x);
+            for (int v = 0; v < vectors; ++v) store(out + x + v * lanes, results[v]);
+        };
+        int64_t x = begin;
+        for (; x + vectors * lanes <= count; x += vectors * lanes) step(x);
+        if (x < count) step(count - vectors * lanes);
     }
 };
 
@@ -327,33 +392,42 @@ struct ThreeTapColumnPass {
     bool streamed;
 
     __attribute__((noinline)) void operator()(uint8_t* out, int64_t step, int64_t outRows,
-                                              const uint8_t* const* rows, int64_t count) const {
-        constexpr int lanes = Vec<uint8_t>::lanes;
+                                              const int16_t* const* rows, int64_t count) const {
         const ThreeTaps t = taps;
-        const Image<uint8_t> dst{out, step};
-        forStored<kCacheLineBytes / kVectorBytes>(
-            out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                for (int64_t r = 0; r < outRows; ++r) {
-                    for (int v = 0; v < block.vectors; ++v) {
-                        const int64_t at = x + v * lanes;
-                        store(dst.row(r) + at,
-                              t.results(rows[r] + at, rows[r + 1] + at, rows[r + 2] + at, extent), extent);
-                    }
-                }
-            });
+        forWordRows(out, step, outRows, rows, count, streamed,
+                    [&](auto& results, const auto& word) OKPCV_INLINE_LAMBDA {
+                        for (int v = 0; v < 2; ++v) results[v] = t.result(word(0, v), word(1, v), word(2, v));
+                    });
     }
 };
 
-// ---- Integer images of any type -------------------------------------------------------------------------
+struct ByteColumnPass {
+    const ByteTaps& taps;
+    bool streamed;
 
-// A kernel with 16-bit coefficients, and how its sums become results. Elements of unsigned 16-bit images are
-// kept less 32768, in rows and between the passes, to fit the signed factors of the multiply-add
-// instructions; what that takes from a sum is part of the sum's start. Sums are formed modulo 2^32.
+    __attribute__((noinline)) void operator()(uint8_t* out, int64_t step, int64_t outRows,
+                                              const int16_t* const* rows, int64_t count) const {
+        withGaussianLength(2 * taps.half() + 1, [&](auto length) OKPCV_INLINE_LAMBDA {
+            const PassTaps<length> passTaps(taps);
+            forWordRows(out, step, outRows, rows, count, streamed,
+                        [&](auto& results, const auto& word)
+                            OKPCV_INLINE_LAMBDA { foldedWords(results, passTaps, word); });
+        });
+    }
+};
+
+// ---- 16-bit images ---------------------------------------------------------------------------------------
+
+// Elements of unsigned 16-bit images are kept less 32768, in rows and between the passes, to fit the signed
+// factors of the multiply-add instructions.
+template <class T>
+inline constexpr int16_t kBias = std::is_same_v<T, uint16_t> ? -32768 : 0;
+
+// A kernel with 16-bit coefficients, and how its sums become results. What the bias takes from a sum is part
+// of the sum's start. Sums are formed modulo 2^32.
 template <class T>
 class WordTaps {
   public:
-    static constexpr int16_t kBias = std::is_same_v<T, uint16_t> ? -32768 : 0;
-
     // Elements of the table for a kernel of a length.
     static constexpr int64_t tableElements(int64_t length) { return (length / 2 + 2) * kLanes; }
 
@@ -362,7 +436,7 @@ class WordTaps {
         : table_(table), length_(length), bits_(bits) {
         int64_t sum = 0;
         for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
-        start_ = static_cast<int32_t>((int64_t{1} << (bits - 1)) - kBias * sum);
+        start_ = static_cast<int32_t>((int64_t{1} << (bits - 1)) - kBias<T> * sum);
         const int64_t pairs = length / 2;
         for (int64_t i = 0; i < pairs; ++i) store(table + i * kLanes, coefficientPair(kernel, 2 * i));
         const Vec<int16_t> last = coefficientAndZero(kernel, length - 1);
@@ -379,16 +453,12 @@ class WordTaps {
 
     template <class Extent>
     static OKPCV_INLINE Vec<int16_t> elements(const T* p, Extent extent) {
-        if constexpr (sizeof(T) == 1) {
-            return loadAs<int16_t>(p, extent);
-        } else {
-            return withBias(bitCast<int16_t>(load(p, extent)));
-        }
+        return withBias(bitCast<int16_t>(load(p, extent)));
     }
     // Adds or takes away the bias: the same operation.
     static OKPCV_INLINE Vec<int16_t> withBias(Vec<int16_t> v) {
-        if constexpr (kBias == 0) return v;
-        return v ^ broadcast(kBias);
+        if constexpr (kBias<T> == 0) return v;
+        return v ^ broadcast(kBias<T>);
     }
 
     // The results of two vectors of sums, saturated to T and biased.
@@ -400,9 +470,7 @@ class WordTaps {
             };
             return withBias(bitCast<int16_t>(narrowSaturated<uint16_t>(shifted(low), shifted(high))));
         } else {
-            const Vec<int16_t> v = narrowSaturated<int16_t>(shiftRight(low, bits_), shiftRight(high, bits_));
-            if constexpr (sizeof(T) == 1) return min(v, broadcast(int16_t{255}));
-            return v;
+            return narrowSaturated<int16_t>(shiftRight(low, bits_), shiftRight(high, bits_));
         }
     }
 
@@ -542,52 +610,41 @@ struct WordColumnPass {
     template <int Length, int Outputs, class Extent>
     static OKPCV_INLINE void vectorOfColumns(const WordTaps<T>& taps, const Image<T>& dst, int64_t r,
                                              const int16_t* const* rows, int64_t x, Extent extent) {
-        constexpr int groups = Vec<T>::lanes / lanes;  // of sums for one vector of results
         const int64_t pairs = Length != 0 ? Length / 2 : taps.pairs();
-        Vec<int16_t> results[Outputs][groups];
-        for (int g = 0; g < groups; ++g) {
-            const int64_t at = x + g * lanes;
-            const auto within = extent.from(g * lanes);
-            Vec<int32_t> low[Outputs], high[Outputs];
-            for (int o = 0; o < Outputs; ++o) low[o] = high[o] = taps.start();
-            // Adds the rows 2 * i and 2 * i + 1 to the outputs from `first` to `last`, for each of which they
-            // are a pair of its own. The last output has no other row in the last of its pairs.
-            const auto add = [&](int64_t i, auto first, auto last, bool alone) OKPCV_INLINE_LAMBDA {
-                const Vec<int16_t> a = load(rows[2 * i] + at, within);
-                const Vec<int16_t> b = alone ? a : load(rows[2 * i + 1] + at, within);
-                const Vec<int16_t> interleavedLow = interleaveLow(a, b);
-                const Vec<int16_t> interleavedHigh = interleaveHigh(a, b);
-                unrolled<last - first + 1>([&](auto n) OKPCV_INLINE_LAMBDA {
-                    constexpr int o = first + n;
-                    accumulate(low[o], mulAddPairs(interleavedLow, taps.pair(i - o)));
-                    accumulate(high[o], mulAddPairs(interleavedHigh, taps.pair(i - o)));
-                });
-            };
-            using First = std::integral_constant<int, 0>;
-            using Last = std::integral_constant<int, Outputs - 1>;
-            if constexpr (Length != 0) {
-                constexpr int fixedPairs = Length / 2;
-                unrolled<fixedPairs + Outputs>([&](auto i) OKPCV_INLINE_LAMBDA {
-                    constexpr int first = i > fixedPairs ? i - fixedPairs : 0;
-                    constexpr int last = i < Outputs ? i : Outputs - 1;
-                    add(i, std::integral_constant<int, first>{}, std::integral_constant<int, last>{},
-                        i == fixedPairs + Outputs - 1);
-                });
-            } else {
-                unrolled<Outputs - 1>([&](auto i) OKPCV_INLINE_LAMBDA { add(i, First{}, i, false); });
-                for (int64_t i = Outputs - 1; i < pairs; ++i) add(i, First{}, Last{}, false);
-                unrolled<Outputs>([&](auto n)
-                                      OKPCV_INLINE_LAMBDA { add(pairs + n, n, Last{}, n == Outputs - 1); });
-            }
-            for (int o = 0; o < Outputs; ++o) results[o][g] = taps.results(low[o], high[o]);
+        Vec<int32_t> low[Outputs], high[Outputs];
+        for (int o = 0; o < Outputs; ++o) low[o] = high[o] = taps.start();
+        // Adds the rows 2 * i and 2 * i + 1 to the outputs from `first` to `last`, for each of which they are
+        // a pair of its own. The last output has no other row in the last of its pairs.
+        const auto add = [&](int64_t i, auto first, auto last, bool alone) OKPCV_INLINE_LAMBDA {
+            const Vec<int16_t> a = load(rows[2 * i] + x, extent);
+            const Vec<int16_t> b = alone ? a : load(rows[2 * i + 1] + x, extent);
+            const Vec<int16_t> interleavedLow = interleaveLow(a, b);
+            const Vec<int16_t> interleavedHigh = interleaveHigh(a, b);
+            unrolled<last - first + 1>([&](auto n) OKPCV_INLINE_LAMBDA {
+                constexpr int o = first + n;
+                accumulate(low[o], mulAddPairs(interleavedLow, taps.pair(i - o)));
+                accumulate(high[o], mulAddPairs(interleavedHigh, taps.pair(i - o)));
+            });
+        };
+        using First = std::integral_constant<int, 0>;
+        using Last = std::integral_constant<int, Outputs - 1>;
+        if constexpr (Length != 0) {
+            constexpr int fixedPairs = Length / 2;
+            unrolled<fixedPairs + Outputs>([&](auto i) OKPCV_INLINE_LAMBDA {
+                constexpr int first = i > fixedPairs ? i - fixedPairs : 0;
+                constexpr int last = i < Outputs ? i : Outputs - 1;
+                add(i, std::integral_constant<int, first>{}, std::integral_constant<int, last>{},
+                    i == fixedPairs + Outputs - 1);
+            });
+        } else {
+            unrolled<Outputs - 1>([&](auto i) OKPCV_INLINE_LAMBDA { add(i, First{}, i, false); });
+            for (int64_t i = Outputs - 1; i < pairs; ++i) add(i, First{}, Last{}, false);
+            unrolled<Outputs>([&](auto n)
+                                  OKPCV_INLINE_LAMBDA { add(pairs + n, n, Last{}, n == Outputs - 1); });
         }
         for (int o = 0; o < Outputs; ++o) {
-            T* const to = dst.row(r + 2 * o) + x;
-            if constexpr (groups == 2) {
-                store(to, narrowSaturated<T>(results[o][0], results[o][1]), extent);
-            } else {
-                store(to, bitCast<T>(WordTaps<T>::withBias(results[o][0])), extent);
-            }
+            const Vec<int16_t> results = taps.results(low[o], high[o]);
+            store(dst.row(r + 2 * o) + x, bitCast<T>(WordTaps<T>::withBias(results)), extent);
         }
     }
 };
@@ -611,13 +668,10 @@ class FoldedTaps {
     OKPCV_INLINE void sum(Vec<float> (&acc)[V], const Tap& tap, Extent extent) const {
         constexpr int lanes = Vec<float>::lanes;
         const int64_t half = Length != 0 ? Length / 2 : half_;
-        const auto c = [&](int64_t i) OKPCV_INLINE_LAMBDA {
-            return Length != 0 ? c_[i] : broadcast(coefficient(centre_, i));
-        };
-        const Vec<float> middle = c(0);
+        const Vec<float> middle = coefficients(0);
         for (int v = 0; v < V; ++v) acc[v] = middle * load(tap(half) + v * lanes, extent);
         for (int64_t i = 1; i <= half; ++i) {
-            const Vec<float> k = c(i);
+            const Vec<float> k = coefficients(i);
             const float* const a = tap(half - i);
             const float* const b = tap(half + i);
             for (int v = 0; v < V; ++v) {
@@ -626,7 +680,24 @@ class FoldedTaps {
         }
     }
 
+    // The same of elements in registers, of which element(i) is what tap i sees.
+    template <class Element>
+    OKPCV_INLINE Vec<float> sum(const Element& element) const {
+        constexpr int half = Length / 2;
+        Vec<float> acc = coefficients(0) * element(std::integral_constant<int, half>{});
+        unrolled<half>([&](auto i) OKPCV_INLINE_LAMBDA {
+            const Vec<float> a = element(std::integral_constant<int, half - 1 - i>{});
+            const Vec<float> b = element(std::integral_constant<int, half + 1 + i>{});
+            accumulate(acc, coefficients(i + 1) * (a + b));
+        });
+        return acc;
+    }
+
   private:
+    OKPCV_INLINE Vec<float> coefficients(int64_t i) const {
+        return Length != 0 ? c_[i] : broadcast(coefficient(centre_, i));
+    }
+
     const float* centre_;
     int64_t half_;
     Vec<float> c_[Length / 2 + 1];
@@ -662,21 +733,53 @@ struct FoldedColumnPass {
                                               const float* const* rows, int64_t count) const {
         const Image<float> dst{out, step};
         withGaussianLength(length, [&](auto fixed) OKPCV_INLINE_LAMBDA {
-            constexpr int lanes = Vec<float>::lanes;
             const FoldedTaps<fixed> taps(kernel, length);
-            forStored<4>(
-                out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                    for (int64_t r = 0; r < outRows; ++r) {
-                        Vec<float> acc[block.vectors];
-                        taps.sum(
-                            acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; },
-                            extent);
-                        for (int v = 0; v < block.vectors; ++v) {
-                            store(dst.row(r) + x + v * lanes, acc[v], extent);
-                        }
-                    }
-                });
+            // As many vectors as fit in registers.
+            constexpr int vectors = fixed == 5 || fixed == 7 ? 2 : 4;
+            forStored<vectors>(out, step, count, streamed,
+                               [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                                   if constexpr (fixed >= 3 && fixed <= 7) {
+                                       walkDown<block.vectors>(taps, dst, x, outRows, rows, extent);
+                                   } else {
+                                       computeRows<block.vectors>(taps, dst, x, outRows, rows, extent);
+                                   }
+                               });
         });
+    }
+
+  private:
+    static constexpr int lanes = Vec<float>::lanes;
+
+    template <int V, class Taps, class Extent>
+    static OKPCV_INLINE void computeRows(const Taps& taps, const Image<float>& dst, int64_t x,
+                                         int64_t outRows, const float* const* rows, Extent extent) {
+        for (int64_t r = 0; r < outRows; ++r) {
+            Vec<float> acc[V];
+            taps.sum(
+                acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; }, extent);
+            for (int v = 0; v < V; ++v) store(dst.row(r) + x + v * lanes, acc[v], extent);
+        }
+    }
+    // What the taps see stays in registers from one row to the next: each row is loaded once.
+    template <int V, int Length, class Extent>
+    static OKPCV_INLINE void walkDown(const FoldedTaps<Length>& taps, const Image<float>& dst, int64_t x,
+                                      int64_t outRows, const float* const* rows, Extent extent) {
+        Vec<float> seen[Length][V];  // of row j in place j % Length
+        const auto see = [&](int64_t j, auto place) OKPCV_INLINE_LAMBDA {
+            for (int v = 0; v < V; ++v) seen[place][v] = load(rows[j] + x + v * lanes, extent);
+        };
+        unrolled<Length - 1>([&](auto j) OKPCV_INLINE_LAMBDA { see(j, j); });
+        for (int64_t r = 0; r < outRows; r += Length) {
+            unrolled<Length>([&](auto first) OKPCV_INLINE_LAMBDA {
+                if (r + first >= outRows) return;
+                see(r + first + Length - 1, std::integral_constant<int, (first + Length - 1) % Length>{});
+                for (int v = 0; v < V; ++v) {
+                    const auto element = [&](auto i)
+                                             OKPCV_INLINE_LAMBDA { return seen[(first + i) % Length][v]; };
+                    store(dst.row(r + first) + x + v * lanes, taps.sum(element), extent);
+                }
+            });
+        }
     }
 };
 

@@ -73,14 +73,19 @@ class RowFilter {
     // Columns `from` to `to` - 1 of the intermediate row of source row y, which must be readable.
     void filter(Mid* out, int64_t y, int64_t from, int64_t to) const {
         const S* const row = task_.src.row(y);
-        int64_t x = from;
-        if (x < left_) x = throughWindow(out, row, x, left_ < to ? left_ : to);
-        const int64_t end = right_ < to ? right_ : to;
-        if (x < end) {
-            pass_(out + (x - from) * Channels, row + (x - task_.row.anchor) * Channels, (end - x) * Channels);
-            x = end;
+        const int64_t begin = left_ < from ? from : left_ < to ? left_ : to;
+        const int64_t end = right_ < begin ? begin : right_ < to ? right_ : to;
+        // The pass over the window comes late, when what was written into it can be read again at once.
+        if (from < begin) fillWindow(row, from, begin);
+        if (begin < end) {
+            pass_(out + (begin - from) * Channels, row + (begin - task_.row.anchor) * Channels,
+                  (end - begin) * Channels);
         }
-        if (x < to) throughWindow(out + (x - from) * Channels, row, x, to);
+        if (from < begin) pass_(out, window_, (begin - from) * Channels);
+        if (end < to) {
+            fillWindow(row, end, to);
+            pass_(out + (end - from) * Channels, window_, (to - end) * Channels);
+        }
     }
 
     // The same of a row of border values.
@@ -91,12 +96,11 @@ class RowFilter {
   private:
     static constexpr int64_t kGroup = Vec<Mid>::lanes;
 
-    int64_t throughWindow(Mid* out, const S* row, int64_t from, int64_t to) const {
+    // What the taps of columns `from` to `to` - 1 see.
+    void fillWindow(const S* row, int64_t from, int64_t to) const {
         const int64_t first = from - task_.row.anchor;
         produceColumns<Channels>(window_, row, task_.size.width, first,
                                  first + (to - from) + task_.row.length - 1, task_.border, task_.borderValue);
-        pass_(out, window_, (to - from) * Channels);
-        return to;
     }
 
     const SeparableTask<S, Channels, D>& task_;

@@ -200,6 +200,15 @@ TYPED_TEST(SimdAll, MovesLanes) {
         const Lanes<T> interleaved = lanesOf(interleaveHalves(vectorOf(a)));
         for (size_t i = 0; i < n; ++i) EXPECT_TRUE(sameBit(interleaved[i], a[i / 2 + (i % 2) * n / 2]));
     }
+    if constexpr (std::is_same_v<T, uint8_t>) {
+        const auto order = [](int i) { return i % 5 == 3 ? -1 : (7 * i + 2) % Vec<uint8_t>::lanes; };
+        const Lanes<T> moved = lanesOf(permuted(vectorOf(a), laneOrder(order)));
+        for (size_t i = 0; i < n; ++i) {
+            const int from = order(static_cast<int>(i));
+            EXPECT_EQ(moved[i], from < 0 ? 0 : a[static_cast<size_t>(from)]);
+        }
+    }
+    EXPECT_TRUE(sameBit(lanesOf(inRegister(vectorOf(a))).back(), a.back()));
     alignas(kVectorBytes) T aligned[Vec<T>::lanes];
     store(aligned, vectorOf(a));
     const Lanes<T> loaded = lanesOf(loadAligned(aligned));

@@ -295,6 +295,17 @@ TYPED_TEST(Gaussian, EqualsItsDefinitionForAllBordersAndSmallRegions) {
     }
 }
 
+// Lengths with code of their own, and the shortest without; where rows are long enough for each vector of it.
+TYPED_TEST(Gaussian, EqualsItsDefinitionAtAllWidths) {
+    Random random(8);
+    for (const int size : {3, 5, 7, 9, 11, 13, 15, 17}) {
+        for (int width = 1; width <= 70; ++width) {
+            expectDefinition<TypeParam>(random, size, 0.2F * static_cast<float>(size), width, 2,
+                                        BorderMirror);
+        }
+    }
+}
+
 // Kernels of every kind of weight: a centre alone, almost alone, flat, and flatter than the format resolves.
 TYPED_TEST(Gaussian, EqualsItsDefinitionForAllSizesAndSigmas) {
     Random random(2);
