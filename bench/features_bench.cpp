@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "support/compare.h"
+#include "support/photograph.h"
 
 #ifdef OKPCV_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>
@@ -15,9 +16,8 @@ using bench::Case;
 using bench::Image;
 using bench::Setup;
 
-// Something like a photograph: waves of many lengths with sharp edges where they change sign, and little
-// noise.
-Image<uint8_t> picture(RoiSize size) {
+// A smooth picture with few edges: waves of many lengths that jump where they pass a level, and little noise.
+Image<uint8_t> smooth(RoiSize size) {
     Image<uint8_t> image(size);
     bench::Random random(7);
     for (int y = 0; y < size.height; ++y) {
@@ -29,6 +29,10 @@ Image<uint8_t> picture(RoiSize size) {
         }
     }
     return image;
+}
+
+Image<uint8_t> noise(RoiSize size) {
+    return bench::randomImage<uint8_t>(size);
 }
 
 // Central differences, three rows smoothed.
@@ -48,12 +52,18 @@ Image<T> derivativeOf(const Image<uint8_t>& src, bool vertical) {
     return result;
 }
 
-constexpr float kLow = 60, kHigh = 150;
+// A picture and the thresholds of its edges.
+struct Picture {
+    Image<uint8_t> (*make)(RoiSize);
+    float low, high;
+};
+constexpr Picture kSmooth{smooth, 60, 150}, kNoise{noise, 60, 150}, kPhotograph{bench::photograph, 50, 150};
 
 template <class T>
 struct GivenDerivatives {
     RoiSize size;
-    Image<uint8_t> src = picture(size);
+    Picture picture;
+    Image<uint8_t> src = picture.make(size);
     Image<T> dx = derivativeOf<T>(src, false), dy = derivativeOf<T>(src, true);
     Image<uint8_t> dst{size}, theirs{size};
 
@@ -63,8 +73,8 @@ struct GivenDerivatives {
         if constexpr (sizeof(T) == 2) {
             result.peerName = "cv::Canny";
             const GivenDerivatives copy = *this;
-            result.peer =
-                OPENCV(cv::Canny(copy.dx.mat(), copy.dy.mat(), copy.theirs.mat(), kLow, kHigh, squared));
+            result.peer = OPENCV(cv::Canny(copy.dx.mat(), copy.dy.mat(), copy.theirs.mat(), copy.picture.low,
+                                           copy.picture.high, squared));
         }
         return result;
     }
@@ -72,16 +82,17 @@ struct GivenDerivatives {
 
 template <class T>
 Setup cannyFromDerivatives(okpStatus (*f)(const T*, int32_t, const T*, int32_t, uint8_t*, int32_t, RoiSize,
-                                          float, float, uint8_t*)) {
+                                          float, float, uint8_t*),
+                           Picture picture = kSmooth) {
     return [=](RoiSize size) {
-        const GivenDerivatives<T> given{size};
+        const GivenDerivatives<T> given{size, picture};
         int32_t bytes = 0;
         okpiCannyGetSize(size, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
         return given.timed(
             [=] {
                 return f(given.dx.data(), given.dx.step(), given.dy.data(), given.dy.step(), given.dst.data(),
-                         given.dst.step(), size, kLow, kHigh, buffer.data());
+                         given.dst.step(), size, picture.low, picture.high, buffer.data());
             },
             false);
     };
@@ -90,9 +101,9 @@ Setup cannyFromDerivatives(okpStatus (*f)(const T*, int32_t, const T*, int32_t, 
 template <class T>
 Setup cannyFromDerivativesL(okpStatus (*f)(const T*, int64_t, const T*, int64_t, uint8_t*, int64_t, RoiSizeL,
                                            float, float, NormKind, uint8_t*),
-                            NormKind norm) {
+                            NormKind norm, Picture picture = kSmooth) {
     return [=](RoiSize size) {
-        const GivenDerivatives<T> given{size};
+        const GivenDerivatives<T> given{size, picture};
         const RoiSizeL sizeL{size.width, size.height};
         int64_t bytes = 0;
         okpiCannyGetSize_L(sizeL, &bytes);
@@ -100,31 +111,31 @@ Setup cannyFromDerivativesL(okpStatus (*f)(const T*, int64_t, const T*, int64_t,
         return given.timed(
             [=] {
                 return f(given.dx.data(), given.dx.step(), given.dy.data(), given.dy.step(), given.dst.data(),
-                         given.dst.step(), sizeL, kLow, kHigh, norm, buffer.data());
+                         given.dst.step(), sizeL, picture.low, picture.high, norm, buffer.data());
             },
             norm == NormL2);
     };
 }
 
 // The peer knows Sobel derivatives with a replicated border.
-Setup cannyOfImage(int32_t kind, MaskSizeCode mask, NormKind norm, uint8_t noise) {
+Setup cannyOfImage(int32_t kind, MaskSizeCode mask, NormKind norm, Picture picture = kSmooth) {
     return [=](RoiSize size) {
-        const Image<uint8_t> src = noise ? bench::randomImage<uint8_t>(size) : picture(size);
+        const Image<uint8_t> src = picture.make(size);
         const Image<uint8_t> dst(size), theirs(size);
         int32_t bytes = 0;
         okpiCannyBorderGetSize(size, kind, mask, DataType8u, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
         // A 5 x 5 kernel's derivatives are about twelve times as large.
         const float scale = mask == MaskSize5x5 ? 12 : 1;
+        const float low = picture.low * scale, high = picture.high * scale;
         Case result{.reads = 1, .writes = 1, .ours = [=] {
                         return okpiCannyBorder_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), size,
-                                                      kind, mask, BorderReplicate, 0, kLow * scale,
-                                                      kHigh * scale, norm, buffer.data());
+                                                      kind, mask, BorderReplicate, 0, low, high, norm,
+                                                      buffer.data());
                     }};
         if (kind == 2) {
             result.peerName = "cv::Canny";
-            result.peer = OPENCV(
-                cv::Canny(src.mat(), theirs.mat(), kLow * scale, kHigh * scale, mask / 10, norm == NormL2));
+            result.peer = OPENCV(cv::Canny(src.mat(), theirs.mat(), low, high, mask / 10, norm == NormL2));
         }
         return result;
     };
@@ -158,15 +169,19 @@ Setup peaks(okpStatus (*f)(const T*, int32_t, RoiSize, T, PixelPoint*, int32_t, 
 const bench::Family family_("features", [](bench::Family& family) {
     BENCH(cannyFromDerivatives, okpiCanny_16s8u_C1R);
     BENCH(cannyFromDerivatives, okpiCanny_32f8u_C1R);
+    family.add("okpiCanny_16s8u_C1R/photograph", cannyFromDerivatives(okpiCanny_16s8u_C1R, kPhotograph));
     family.add("okpiCanny_16s8u_C1R_L/L1", cannyFromDerivativesL(okpiCanny_16s8u_C1R_L, NormL1));
     family.add("okpiCanny_16s8u_C1R_L/L2", cannyFromDerivativesL(okpiCanny_16s8u_C1R_L, NormL2));
+    family.add("okpiCanny_16s8u_C1R_L/photograph-L2",
+               cannyFromDerivativesL(okpiCanny_16s8u_C1R_L, NormL2, kPhotograph));
     family.add("okpiCanny_32f8u_C1R_L/L2", cannyFromDerivativesL(okpiCanny_32f8u_C1R_L, NormL2));
-    family.add("okpiCannyBorder_8u_C1R/sobel3", cannyOfImage(2, MaskSize3x3, NormL1, 0));
-    GROW(okpiCannyBorder_8u_C1R, cannyOfImage(2, MaskSize3x3, NormL1, 0));
-    family.add("okpiCannyBorder_8u_C1R/sobel3-L2", cannyOfImage(2, MaskSize3x3, NormL2, 0));
-    family.add("okpiCannyBorder_8u_C1R/sobel3-noise", cannyOfImage(2, MaskSize3x3, NormL1, 1));
-    family.add("okpiCannyBorder_8u_C1R/sobel5", cannyOfImage(2, MaskSize5x5, NormL1, 0));
-    family.add("okpiCannyBorder_8u_C1R/scharr", cannyOfImage(5, MaskSize3x3, NormL1, 0));
+    family.add("okpiCannyBorder_8u_C1R/sobel3", cannyOfImage(2, MaskSize3x3, NormL1));
+    GROW(okpiCannyBorder_8u_C1R, cannyOfImage(2, MaskSize3x3, NormL1));
+    family.add("okpiCannyBorder_8u_C1R/sobel3-L2", cannyOfImage(2, MaskSize3x3, NormL2));
+    family.add("okpiCannyBorder_8u_C1R/sobel3-photograph", cannyOfImage(2, MaskSize3x3, NormL1, kPhotograph));
+    family.add("okpiCannyBorder_8u_C1R/sobel3-noise", cannyOfImage(2, MaskSize3x3, NormL1, kNoise));
+    family.add("okpiCannyBorder_8u_C1R/sobel5", cannyOfImage(2, MaskSize5x5, NormL1));
+    family.add("okpiCannyBorder_8u_C1R/scharr", cannyOfImage(5, MaskSize3x3, NormL1));
     family.add("okpiFindPeaks3x3_32f_C1R",
                peaks(okpiFindPeaks3x3_32f_C1R, okpiFindPeaks3x3GetBufferSize_32f_C1R, 0, false));
     family.add("okpiFindPeaks3x3_32f_C1R/cross",

@@ -58,13 +58,12 @@ class ImageDerivatives {
         std::memset(rows_.outside, value, static_cast<size_t>(size.width + 2 * kReach));
     }
 
-    template <class Body>
-    OKPCV_INLINE void row(int64_t y, Body body) {
+    canny::DerivativeRow<int16_t> row(int64_t y) {
         filterColumns(y);
         extend(rows_.smoothed, static_cast<int16_t>(value_ * sum(Kernel::kSmooth)));
         extend(rows_.derived, static_cast<int16_t>(value_ * sum(Kernel::kDerive)));
         filterRow();
-        body(const_cast<const int16_t*>(rows_.dx), const_cast<const int16_t*>(rows_.dy));
+        return {rows_.dx, rows_.dy};
     }
 
   private:
@@ -149,19 +148,10 @@ class ImageDerivatives {
 
 // ---- From given derivatives -----------------------------------------------------------------------------
 
-// The thresholds of magnitudes that are squares.
-struct Limits {
-    float low, high;
-    Limits(float l, float h, bool squared) : low(squared ? l * l : l), high(squared ? h * h : h) {}
-    bool areOrdered() const { return !(low < 0.0F) && !(low > high); }
-};
-
-template <class Gradients>
-okpStatus cannyFromDerivatives(canny::GivenDerivatives<typename Gradients::Derivative> derivatives,
-                               Image<uint8_t> dst, Size size, float low, float high, NormKind norm,
-                               bool is64Bit, uint8_t* buffer) {
-    const bool squared = norm == NormL2;
-    const Limits limits(low, high, squared);
+template <class T>
+okpStatus cannyFromDerivatives(canny::GivenDerivatives<T> derivatives, Image<uint8_t> dst, Size size,
+                               float low, float high, NormKind norm, bool is64Bit, uint8_t* buffer) {
+    const canny::Limits limits(low, high, norm == NormL2);
     Checks checks;
     checks.pointers(derivatives.dx.data, derivatives.dy.data, dst.data, buffer);
     if (is64Bit) checks.fit32(size.width, size.height, derivatives.dx.step, derivatives.dy.step, dst.step);
@@ -173,7 +163,7 @@ okpStatus cannyFromDerivatives(canny::GivenDerivatives<typename Gradients::Deriv
     if (checks.failed()) return checks.status();
 
     Area area(buffer);
-    canny::detect<Gradients>(derivatives, dst, size, squared, {limits.low, limits.high, squared}, area);
+    canny::detect(canny::sourceOf<T>(derivatives), dst, size, limits, area);
     return okpStatusOk;
 }
 
@@ -208,12 +198,11 @@ constexpr bool isDerivativeKind(int32_t kind) {
 
 template <class Kernel>
 void cannyOfImage(Image<const uint8_t> src, Image<uint8_t> dst, Size size, BorderKind border, uint8_t value,
-                  Limits limits, bool squared, uint8_t* buffer) {
+                  const canny::Limits& limits, uint8_t* buffer) {
     Area area(buffer);
     ImageDerivatives<Kernel> derivatives(src, size, border, value,
                                          layOutDerivatives(area, size.width, Kernel::kLength));
-    canny::detect<canny::IntegerGradients>(derivatives, dst, size, squared,
-                                           {limits.low, limits.high, squared}, area);
+    canny::detect(canny::sourceOf<int16_t>(derivatives), dst, size, limits, area);
 }
 
 }  // namespace
@@ -263,33 +252,29 @@ okpStatus okpiCannyBorderGetSize(RoiSize roiSize, int32_t derivativeKind, MaskSi
 okpStatus okpiCanny_16s8u_C1R(const int16_t* pSrcDx, int32_t srcDxStep, const int16_t* pSrcDy,
                               int32_t srcDyStep, uint8_t* pDstEdges, int32_t dstEdgeStep, RoiSize roiSize,
                               float lowThresh, float highThresh, uint8_t* pBuffer) {
-    return cannyFromDerivatives<canny::IntegerGradients>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}},
-                                                         {pDstEdges, dstEdgeStep}, roiSize, lowThresh,
-                                                         highThresh, NormL1, false, pBuffer);
+    return cannyFromDerivatives<int16_t>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}}, {pDstEdges, dstEdgeStep},
+                                         roiSize, lowThresh, highThresh, NormL1, false, pBuffer);
 }
 
 okpStatus okpiCanny_32f8u_C1R(const float* pSrcDx, int32_t srcDxStep, const float* pSrcDy, int32_t srcDyStep,
                               uint8_t* pDstEdges, int32_t dstEdgeStep, RoiSize roiSize, float lowThresh,
                               float highThresh, uint8_t* pBuffer) {
-    return cannyFromDerivatives<canny::FloatGradients>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}},
-                                                       {pDstEdges, dstEdgeStep}, roiSize, lowThresh,
-                                                       highThresh, NormL1, false, pBuffer);
+    return cannyFromDerivatives<float>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}}, {pDstEdges, dstEdgeStep},
+                                       roiSize, lowThresh, highThresh, NormL1, false, pBuffer);
 }
 
 okpStatus okpiCanny_16s8u_C1R_L(const int16_t* pSrcDx, int64_t srcDxStep, const int16_t* pSrcDy,
                                 int64_t srcDyStep, uint8_t* pDstEdges, int64_t dstEdgeStep, RoiSizeL roiSize,
                                 float lowThresh, float highThresh, NormKind norm, uint8_t* pBuffer) {
-    return cannyFromDerivatives<canny::IntegerGradients>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}},
-                                                         {pDstEdges, dstEdgeStep}, roiSize, lowThresh,
-                                                         highThresh, norm, true, pBuffer);
+    return cannyFromDerivatives<int16_t>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}}, {pDstEdges, dstEdgeStep},
+                                         roiSize, lowThresh, highThresh, norm, true, pBuffer);
 }
 
 okpStatus okpiCanny_32f8u_C1R_L(const float* pSrcDx, int64_t srcDxStep, const float* pSrcDy,
                                 int64_t srcDyStep, uint8_t* pDstEdges, int64_t dstEdgeStep, RoiSizeL roiSize,
                                 float lowThresh, float highThresh, NormKind norm, uint8_t* pBuffer) {
-    return cannyFromDerivatives<canny::FloatGradients>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}},
-                                                       {pDstEdges, dstEdgeStep}, roiSize, lowThresh,
-                                                       highThresh, norm, true, pBuffer);
+    return cannyFromDerivatives<float>({{pSrcDx, srcDxStep}, {pSrcDy, srcDyStep}}, {pDstEdges, dstEdgeStep},
+                                       roiSize, lowThresh, highThresh, norm, true, pBuffer);
 }
 
 okpStatus okpiCannyBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep,
@@ -306,17 +291,17 @@ okpStatus okpiCannyBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* 
         .size(size)
         .rowsFit(size, src, dst)
         .require(isDerivativeKind(derivativeKind), okpStatusBadArgument)
-        .require((norm == NormL1 || norm == NormL2) && Limits(lowThresh, highThresh, false).areOrdered(),
-                 okpStatusBadArgument)
+        .require(
+            (norm == NormL1 || norm == NormL2) && canny::Limits(lowThresh, highThresh, false).areOrdered(),
+            okpStatusBadArgument)
         .require(border < 256, okpStatusBadBorder)
         .require(border == BorderInMemory || kind == BorderConstant || kind == BorderReplicate,
                  okpStatusBadBorder);
     if (checks.failed()) return checks.status();
 
-    const bool squared = norm == NormL2;
-    const Limits limits(lowThresh, highThresh, squared);
+    const canny::Limits limits(lowThresh, highThresh, norm == NormL2);
     const auto run = [&](auto kernel) {
-        cannyOfImage<decltype(kernel)>(src, dst, size, border, borderValue, limits, squared, pBuffer);
+        cannyOfImage<decltype(kernel)>(src, dst, size, border, borderValue, limits, pBuffer);
     };
     if (derivativeKind == kScharr) {
         run(Scharr{});

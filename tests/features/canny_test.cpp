@@ -123,21 +123,27 @@ struct CannyTest : testing::Test {
     Random random{61};
     using M = std::conditional_t<std::is_same_v<T, float>, float, int64_t>;
 
-    // Derivatives of the kinds that matter: smooth hills, few levels (ties), any value, the extreme one.
+    // Derivatives of the kinds that matter: smooth hills, few levels (ties), any value, the extreme one, short
+    // walks between long stretches of nothing.
     std::vector<T> draw(int kind, size_t count) {
         std::vector<T> values(count);
         T walk{};
         for (T& v : values) {
-            walk = static_cast<T>(walk + random.integer(-20, 20));
             switch (kind) {
                 case 0:
-                    v = walk;
+                    v = walk = static_cast<T>(walk + random.integer(-20, 20));
                     break;
                 case 1:
                     v = static_cast<T>(random.integer(-2, 2));
                     break;
                 case 2:
                     v = random.special<T>();
+                    break;
+                case 3:
+                    if (walk != T(0) && random.chance(0.1)) walk = T(0);
+                    if (walk == T(0) && random.chance(0.98)) break;
+                    walk = static_cast<T>(walk + random.integer(-300, 300));
+                    v = walk;
                     break;
                 default:
                     v = random.chance(0.5) ? std::numeric_limits<T>::lowest()
@@ -152,21 +158,25 @@ TYPED_TEST_SUITE(CannyTest, DerivativeTypes);
 
 TYPED_TEST(CannyTest, FollowsTheRules) {
     using T = TypeParam;
-    const Limits limits[] = {
-        {0, 0},        {10.7F, 30},          {2, 2},   {3, 200},   {1e3F, 4e4F}, {2e9F, 3e9F}, {3e9F, 4e9F},
-        {0, INFINITY}, {INFINITY, INFINITY}, {NAN, 5}, {0.5F, NAN}};
-    for (int round = 0; round < 400; ++round) {
-        const int width = this->random.integer(1, 40);
+    const Limits limits[] = {{0, 0},       {0.5F, NAN},      {1, 65535.5F},  {2, 2},
+                             {3, 200},     {3, NAN},         {10.7F, 30},    {99.5F, INFINITY},
+                             {1e3F, 4e4F}, {65534.5, 65535}, {65535, 65535}, {2e9F, 3e9F},
+                             {3e9F, 4e9F}, {0, INFINITY},    {NAN, 5},       {INFINITY, INFINITY}};
+    for (int round = 0; round < 600; ++round) {
+        // Some rows are longer than the 1024 pixels that are looked through together.
+        const int width = this->random.chance(0.05)
+                              ? 1024 * this->random.integer(0, 1) + this->random.integer(240, 400)
+                              : this->random.integer(1, 40);
         const int height = this->random.integer(1, 12);
         const auto count = static_cast<size_t>(width * height);
-        const int kind = round % 4;
+        const int kind = round % 5;
         const std::vector<T> dx = this->draw(kind, count);
         const std::vector<T> dy = this->draw(kind, count);
         GuardedImage<T> dxImage(width, height, {.padding = 4});
         GuardedImage<T> dyImage(width, height, {.padding = 8 * (round % 2), .at = GuardedMemory::At::Start});
         dxImage.setPixels(dx);
         dyImage.setPixels(dy);
-        const Limits limit = limits[this->random.integer(0, 10)];
+        const Limits limit = limits[this->random.integer(0, int{std::size(limits)} - 1)];
         for (const NormKind norm : {NormL1, NormL2}) {
             SCOPED_TRACE(testing::Message() << width << 'x' << height << " kind " << kind << " thresholds "
                                             << limit.low << ' ' << limit.high << " norm " << norm);
@@ -251,59 +261,40 @@ TYPED_TEST(CannyTest, ChecksInOrder) {
     EXPECT_EQ(cannyL(negative), okpStatusOk);
 }
 
-// Single-precision sums stand in for double-precision products when the derivatives are integers: all of
-// them, with the other derivative at every place where the decision could turn.
+// Other arithmetic stands in for double-precision products when the derivatives are integers: all of them,
+// with the other derivative at every place where the decision could turn.
 TEST(Canny, DirectionsOfAllIntegers) {
     constexpr int kWidth = 3;
     std::vector<int16_t> dx(9);
     std::vector<int16_t> dy(9);
     std::vector<uint8_t> dst(9);
     std::vector<uint8_t> buffer(1000);
-    // A centre whose neighbours decide by the direction: those above and below are larger, all others
-    // smaller.
-    const auto survives = [&](int x, int y) {
+    // Whether a centre survives two opposite neighbours that are larger, all others being smaller.
+    const auto survives = [&](int x, int y, size_t neighbour) {
         dx.assign(9, 0);
         dy.assign(9, 0);
-        const auto m = static_cast<int64_t>(std::abs(x)) + std::abs(y);
         dx[4] = static_cast<int16_t>(x);
         dy[4] = static_cast<int16_t>(y);
-        for (const size_t i : {1U, 7U}) {
-            // |dx| + |dy| of 65536 is as large as two extreme derivatives.
-            dx[i] = static_cast<int16_t>(-std::min<int64_t>(m + 1, 32768));
-            dy[i] = static_cast<int16_t>(-std::min<int64_t>(std::max<int64_t>(m + 1 - 32768, 0), 32768));
+        // In halves, which are not larger than the larger of the centre's derivatives by more than one. Two
+        // extreme derivatives have the largest sum there is.
+        const int larger = std::min(std::abs(x) + std::abs(y) + 1, 65536);
+        for (const size_t i : {neighbour, 8 - neighbour}) {
+            dx[i] = static_cast<int16_t>(-(larger / 2));
+            dy[i] = static_cast<int16_t>(-(larger - larger / 2));
         }
         okpiCanny_16s8u_C1R(dx.data(), 2 * kWidth, dy.data(), 2 * kWidth, dst.data(), kWidth, {3, 3}, 0, 0,
                             buffer.data());
         return dst[4] == 255;
     };
     for (int ax = 1; ax <= 32768; ++ax) {
-        const auto turn = static_cast<int>(static_cast<float>(ax * 2.414213562373095));
-        for (const int ay : {turn, turn + 1}) {
+        const auto steep = static_cast<float>(ax * 2.414213562373095);
+        const auto flat = static_cast<float>(ax * 0.41421356237309503);
+        for (const int ay : {static_cast<int>(steep), static_cast<int>(steep) + 1}) {
             if (ay > 32768) continue;
-            const bool vertical = static_cast<float>(ay) > static_cast<float>(ax * 2.414213562373095);
-            ASSERT_EQ(survives(-ax, -ay), !vertical) << ax << ' ' << ay;
+            ASSERT_EQ(survives(-ax, -ay, 1), !(static_cast<float>(ay) > steep)) << ax << ' ' << ay;
         }
-    }
-    // The same for the other sector: now the neighbours to the left and right are larger.
-    const auto survivesAcross = [&](int x, int y) {
-        dx.assign(9, 0);
-        dy.assign(9, 0);
-        const auto m = static_cast<int64_t>(std::abs(x)) + std::abs(y);
-        dx[4] = static_cast<int16_t>(x);
-        dy[4] = static_cast<int16_t>(y);
-        for (const size_t i : {3U, 5U}) {
-            dx[i] = static_cast<int16_t>(-std::min<int64_t>(m + 1, 32768));
-            dy[i] = static_cast<int16_t>(-std::min<int64_t>(std::max<int64_t>(m + 1 - 32768, 0), 32768));
-        }
-        okpiCanny_16s8u_C1R(dx.data(), 2 * kWidth, dy.data(), 2 * kWidth, dst.data(), kWidth, {3, 3}, 0, 0,
-                            buffer.data());
-        return dst[4] == 255;
-    };
-    for (int ax = 1; ax <= 32768; ++ax) {
-        const auto turn = static_cast<int>(static_cast<float>(ax * 0.41421356237309503));
-        for (const int ay : {turn, turn + 1}) {
-            const bool horizontal = static_cast<float>(ax * 0.41421356237309503) > static_cast<float>(ay);
-            ASSERT_EQ(survivesAcross(-ax, -ay), !horizontal) << ax << ' ' << ay;
+        for (const int ay : {static_cast<int>(flat), static_cast<int>(flat) + 1}) {
+            ASSERT_EQ(survives(-ax, -ay, 3), !(flat > static_cast<float>(ay))) << ax << ' ' << ay;
         }
     }
 }
