@@ -35,7 +35,7 @@ OKPCV_INLINE void forStored(D* out, int64_t step, int64_t count, bool streamed, 
                                        OKPCV_INLINE_LAMBDA { body(block, extent, x + at); });
 }
 
-// Calls run(load) with the load for rows of the ring, which are aligned, at element x.
+// Calls run(load) with the load for element x of rows of the ring, which begin at aligned addresses.
 template <int Lanes, class Extent, class Run>
 OKPCV_INLINE void forRowLoads(int64_t x, Extent, const Run& run) {
     if (!std::is_same_v<Extent, Part> && x % Lanes == 0) {
@@ -64,8 +64,8 @@ OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
 
 // ---- 8-bit images ---------------------------------------------------------------------------------------
 
-// An 8-bit kernel, folded: element c sees the centre, and tap i, counted from the centre, sees the sum of two
-// elements, which is a word. Two such words at a time are multiplied and added in 32 bits.
+// An 8-bit kernel, folded: tap 0 sees the centre, tap i the sum of the two elements that are i away from it. Two
+// such words at a time are multiplied and added in 32 bits.
 class ByteTaps {
   public:
     // Elements of the table for a kernel of a length.
@@ -105,8 +105,8 @@ class ByteTaps {
     int64_t half_;
 };
 
-// The taps for the time of one pass, of a kernel whose length the code knows, or of any (Length 0): what the
-// code knows stays in registers.
+// The taps for the time of one pass: those of a kernel whose length the code knows stay in registers, those of
+// any other (Length 0) are read from their table.
 template <int Length>
 class PassTaps {
   public:
