@@ -40,7 +40,8 @@ constexpr bool isChannelCount(int32_t channels) {
 template <int Channels, class Mid>
 RingShape ringShape(Reach kernel, int64_t width, bool inPlace) {
     using Shapes = RingShapes<Channels, Mid>;
-    constexpr int64_t batch = 16;
+    // As many rows of the destination as a core writes at once without waiting for their lines.
+    constexpr int64_t batch = 8;
     const Shapes shapes(kernel, width, batch);
     if (!inPlace) return shapes.preferred();
     RingShape shape = shapes.wholeRows();

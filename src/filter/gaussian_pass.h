@@ -35,7 +35,7 @@ OKPCV_INLINE void forStored(D* out, int64_t step, int64_t count, bool streamed, 
                                        OKPCV_INLINE_LAMBDA { body(block, extent, x + at); });
 }
 
-// Calls run(load) with the load for rows of the ring, which are aligned, at element x.
+// Calls run(load) with the load for element x of rows of the ring, which begin at aligned addresses.
 template <int Lanes, class Extent, class Run>
 OKPCV_INLINE void forRowLoads(int64_t x, Extent, const Run& run) {
     if (!std::is_same_v<Extent, Part> && x % Lanes == 0) {
@@ -64,8 +64,8 @@ OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
 
 // ---- 8-bit images ---------------------------------------------------------------------------------------
 
-// An 8-bit kernel, folded: element c sees the centre, and tap i, counted from the centre, sees the sum of two
-// elements, which is a word. Two such words at a time are multiplied and added in 32 bits.
+// An 8-bit kernel, folded: tap 0 sees the centre, tap i the sum of the two elements that are i away from it. Two
+// such words at a time are multiplied and added in 32 bits.
 class ByteTaps {
   public:
     // Elements of the table for a kernel of a length.
@@ -105,8 +105,8 @@ class ByteTaps {
     int64_t half_;
 };
 
-// The taps for the time of one pass, of a kernel whose length the code knows, or of any (Length 0): what the
-// code knows stays in registers.
+// The taps for the time of one pass: those of a kernel whose length the code knows stay in registers, those of
+// any other (Length 0) are read from their table.
 template <int Length>
 class PassTaps {
   public:
@@ -680,7 +680,36 @@ class FoldedTaps {
         }
     }
 
-    // The same of elements in registers, of which element(i) is what tap i sees.
+    // The sums of two outputs, of which the second sees at tap i what the first sees at tap i + 1. On either
+    // side, what an output sees at a tap the other has seen at the tap before.
+    template <int V, class Tap, class Extent>
+    OKPCV_INLINE void sums(Vec<float> (&first)[V], Vec<float> (&second)[V], const Tap& tap,
+                           Extent extent) const {
+        constexpr int lanes = Vec<float>::lanes;
+        const int64_t half = Length != 0 ? Length / 2 : half_;
+        const Vec<float> middle = coefficients(0);
+        Vec<float> before[V], behind[V];  // the first output's centre and the second's, then outwards
+        for (int v = 0; v < V; ++v) {
+            before[v] = load(tap(half) + v * lanes, extent);
+            behind[v] = load(tap(half + 1) + v * lanes, extent);
+            first[v] = middle * before[v];
+            second[v] = middle * behind[v];
+        }
+        for (int64_t i = 1; i <= half; ++i) {
+            const Vec<float> k = coefficients(i);
+            const float* const a = tap(half - i);
+            const float* const b = tap(half + 1 + i);
+            for (int v = 0; v < V; ++v) {
+                const Vec<float> nextBefore = load(a + v * lanes, extent);
+                const Vec<float> nextBehind = load(b + v * lanes, extent);
+                accumulate(first[v], k * (nextBefore + behind[v]));
+                accumulate(second[v], k * (before[v] + nextBehind));
+                before[v] = nextBefore;
+                behind[v] = nextBehind;
+            }
+        }
+    }
+    // One output's sum of elements in registers, of which element(i) is what tap i sees.
     template <class Element>
     OKPCV_INLINE Vec<float> sum(const Element& element) const {
         constexpr int half = Length / 2;
@@ -734,31 +763,56 @@ struct FoldedColumnPass {
         const Image<float> dst{out, step};
         withGaussianLength(length, [&](auto fixed) OKPCV_INLINE_LAMBDA {
             const FoldedTaps<fixed> taps(kernel, length);
-            // As many vectors as fit in registers.
-            constexpr int vectors = fixed == 5 || fixed == 7 ? 2 : 4;
-            forStored<vectors>(out, step, count, streamed,
-                               [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                                   if constexpr (fixed >= 3 && fixed <= 7) {
-                                       walkDown<block.vectors>(taps, dst, x, outRows, rows, extent);
-                                   } else {
-                                       computeRows<block.vectors>(taps, dst, x, outRows, rows, extent);
-                                   }
-                               });
+            forStored<kCacheLineBytes / kVectorBytes>(
+                out, step, count, streamed, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                    if constexpr (std::is_same_v<decltype(extent), Streamed>) {
+                        // Cache lines are stored in one go.
+                        computeRows<block.vectors>(taps, dst, x, 0, outRows, rows, extent);
+                    } else {
+                        // As many vectors as fit in registers.
+                        constexpr int most = fixed == 3 ? 4 : 2;
+                        constexpr int vectors = block.vectors < most ? block.vectors : most;
+                        for (int v = 0; v < block.vectors; v += vectors) {
+                            if constexpr (fixed >= 3 && fixed <= 7) {
+                                walkDown<vectors>(taps, dst, x + v * lanes, outRows, rows, extent);
+                            } else {
+                                computePairs<vectors>(taps, dst, x + v * lanes, outRows, rows, extent);
+                            }
+                        }
+                    }
+                });
         });
     }
 
   private:
     static constexpr int lanes = Vec<float>::lanes;
 
-    template <int V, class Taps, class Extent>
-    static OKPCV_INLINE void computeRows(const Taps& taps, const Image<float>& dst, int64_t x,
-                                         int64_t outRows, const float* const* rows, Extent extent) {
-        for (int64_t r = 0; r < outRows; ++r) {
+    // From row r on.
+    template <int V, int Length, class Extent>
+    static OKPCV_INLINE void computeRows(const FoldedTaps<Length>& taps, const Image<float>& dst, int64_t x,
+                                         int64_t r, int64_t outRows, const float* const* rows,
+                                         Extent extent) {
+        for (; r < outRows; ++r) {
             Vec<float> acc[V];
             taps.sum(
                 acc, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; }, extent);
             for (int v = 0; v < V; ++v) store(dst.row(r) + x + v * lanes, acc[v], extent);
         }
+    }
+    // Two rows at a time: each element is loaded once for both.
+    template <int V, int Length, class Extent>
+    static OKPCV_INLINE void computePairs(const FoldedTaps<Length>& taps, const Image<float>& dst, int64_t x,
+                                          int64_t outRows, const float* const* rows, Extent extent) {
+        int64_t r = 0;
+        for (; r + 2 <= outRows; r += 2) {
+            Vec<float> first[V], second[V];
+            taps.sums(
+                first, second, [row = rows + r, x](int64_t i) OKPCV_INLINE_LAMBDA { return row[i] + x; },
+                extent);
+            for (int v = 0; v < V; ++v) store(dst.row(r) + x + v * lanes, first[v], extent);
+            for (int v = 0; v < V; ++v) store(dst.row(r + 1) + x + v * lanes, second[v], extent);
+        }
+        computeRows<V>(taps, dst, x, r, outRows, rows, extent);
     }
     // What the taps see stays in registers from one row to the next: each row is loaded once.
     template <int V, int Length, class Extent>
