@@ -50,6 +50,7 @@ function(okpcv_shared_library target)
   if(OKPCV_SANITIZE OR OKPCV_COVERAGE)
     # The instruments bring their own run time, which has initialisers and data.
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+    target_link_options(${target} PRIVATE $<$<BOOL:${OKPCV_COVERAGE}>:-fprofile-instr-generate>)
   else()
     target_link_options(${target} PRIVATE -Wl,-z,defs -nostartfiles)
   endif()

@@ -131,6 +131,25 @@ void check(const Case& c, Contender& ours, Contender& peer, Result& result) {
     result.disagreement = c.agree();
 }
 
+// Seconds of a cycle, measured on additions that wait for each other: one takes a cycle.
+double cycleSeconds() {
+    static const double seconds = [] {
+        constexpr int kAdditions = 1 << 20;
+        double fastest = 1;
+        for (int round = 0; round < 20; ++round) {
+            const auto start = Clock::now();
+            int64_t sum = round;
+            for (int i = 0; i < kAdditions / 16; ++i) {
+#pragma GCC unroll 16
+                for (int j = 0; j < 16; ++j) asm volatile("add $1, %0" : "+r"(sum));
+            }
+            fastest = std::min(fastest, since(start) / kAdditions);
+        }
+        return fastest;
+    }();
+    return seconds;
+}
+
 void measure(const Setup& setup, Result& result) {
     const auto start = Clock::now();
     const double share = Seconds(session.deadline - start).count() / std::max(1, session.remaining--);
@@ -140,6 +159,8 @@ void measure(const Setup& setup, Result& result) {
     const Case c = setup(result.size);
     result.pixels = c.pixels > 0 ? c.pixels : double(result.size.width) * result.size.height;
     result.bytesMoved = (c.reads + 2 * (c.writes + c.updates)) * result.pixels;
+
+    result.bound = c.cycles * result.pixels * cycleSeconds();
 
     Contender ours(c.ours, c.before), peer(c.peer, c.beforePeer), copy(copyMoving(result.bytesMoved), {});
     check(c, ours, peer, result);
@@ -178,6 +199,17 @@ class LineReporter : public SilentReporter {
 };
 
 }  // namespace
+
+Work Work::operator+(const Work& other) const {
+    const double scale = elements / other.elements;
+    return {elements, multiplications + scale * other.multiplications, additions + scale * other.additions,
+            loads + scale * other.loads, stores + scale * other.stores};
+}
+
+double Work::cyclesPerElement() const {
+    const double all = multiplications + additions + loads + stores;
+    return std::max({multiplications / 2, additions / 2, loads / 2, stores, all / 6}) / elements;
+}
 
 double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());

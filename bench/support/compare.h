@@ -42,9 +42,21 @@ namespace bench {
 
 using Call = std::function<okpStatus()>;
 
+// Vector operations that an operation's definition cannot do without, on vectors of 16 bytes: so many for each
+// `elements` elements of the destination.
+struct Work {
+    double elements = 1, multiplications = 0, additions = 0, loads = 0, stores = 0;
+
+    Work operator+(const Work& other) const;  // on the same elements
+    // At least, on a core that starts two multiplications, two additions, two loads and one store in a cycle,
+    // and six operations in all.
+    double cyclesPerElement() const;
+};
+
 struct Case {
     double reads = 0, writes = 0, updates = 0;  // bytes per pixel, see above; all 0: no memcpy beside it
     double pixels = 0;                          // work of one call; 0 stands for width * height
+    double cycles = 0;                          // per pixel, at least; 0: not worked out
     Call ours = {};
     const char* peerName = "";
     Call peer = {};
@@ -86,6 +98,7 @@ struct Result {
     std::string family, operation;
     RoiSize size;
     double pixels = 0, bytesMoved = 0;  // of one call
+    double bound = 0;                   // seconds per call, at least; 0: not worked out
     Timing ours, peer, copy;
     int rounds = 0;
     std::string peerName;

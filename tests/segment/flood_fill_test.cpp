@@ -10,6 +10,7 @@
 #include "support/compare.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
+#include "support/repeated_memory.h"
 #include "support/status_order.h"
 
 namespace okpcv::test {
@@ -203,7 +204,9 @@ TYPED_TEST(FloodFillTest, FollowsItsSteps) {
     for (const Fill<T>& fill : fills<T>()) {
         SCOPED_TRACE(fill.name);
         for (int round = 0; round < 250; ++round) {
-            const RoiSize roi{this->random.integer(1, 45), this->random.integer(1, 12)};
+            // Now and then runs of several words of a map.
+            const RoiSize roi{this->random.integer(1, round % 10 == 0 ? 450 : 45),
+                              this->random.integer(1, 12)};
             const int levels = this->random.integer(2, 9);
             const auto pixels = this->blotches(roi, fill.channels, levels, this->random.real(0.02F, 1.0F));
             expectFill(fill, roi, pixels, this->seedIn(roi), this->draw(fill.channels, levels),
@@ -390,6 +393,22 @@ TEST(FloodFill, SizesItsBuffers) {
         EXPECT_EQ(query({5, -1}, &bytes), okpStatusBadSize);
     }
     EXPECT_EQ(bytes, -1);
+}
+
+// What the query returns for so large a region has room for one or two runs.
+TEST(FloodFill, StaysInABufferWhoseSizeHasWrapped) {
+    const RoiSize roi{16, 44739243};
+    RepeatedMemory image(int64_t{roi.width} * roi.height, 7);
+    ASSERT_EQ(bufferBytes(Rule::Range, roi), 64);
+    Scratch scratch(64, 0);
+    ConnectedComp record;
+    // A new value inside the interval would need a map; there is room for the seed's run alone.
+    ASSERT_EQ(okpiFloodFill_Range4Con_8u_C1IR(const_cast<uint8_t*>(image.data()), roi.width, roi, {3, 1000},
+                                              8, 1, 1, &record, scratch.data()),
+              okpStatusOk);
+    expectSame(record, {16, {8, 0, 0}, {0, 1000, 16, 1}});
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 1000 + 15], 8);
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 1001], 7);
 }
 
 template <class T>
