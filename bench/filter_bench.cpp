@@ -94,13 +94,29 @@ struct Areas {
     }
 };
 
-// Both passes in single precision, in kernel order: a product, an addition and a load for every tap.
-bench::Work floatPasses(int length) {
-    return {.elements = 4,
-            .multiplications = 2.0 * length,
-            .additions = 2.0 * (length - 1),
-            .loads = 2.0 * length,
-            .stores = 2};
+// One pass in single precision, in kernel order: a product, an addition and a load for every tap.
+bench::Work floatPass(int length) {
+    const double taps = length;
+    return {.elements = 4, .multiplications = taps, .additions = taps - 1, .loads = taps, .stores = 1};
+}
+
+// The passes over bytes, over 16-bit elements and over columns of 16-bit row sums that sum in integers, where
+// that is exact: one instruction multiplies two taps and adds them. A load of the column pass serves two rows.
+bench::Work integerPass(double elements, double products, double loads, int length) {
+    const double pairs = (length + 1) / 2;
+    return {.elements = elements,
+            .multiplications = products * pairs,
+            .additions = products * (pairs - 1),
+            .loads = loads * pairs,
+            .stores = 1};
+}
+
+// Both passes over elements of S with a kernel of K; integer kernels here are small.
+template <class S, class K>
+bench::Work passes(int length) {
+    if constexpr (sizeof(K) == 4) return floatPass(length) + floatPass(length);
+    if constexpr (sizeof(S) == 1) return integerPass(16, 2, 2, length) + integerPass(16, 4, 2, length);
+    return integerPass(8, 2, 2, length) + floatPass(length);
 }
 
 // V is what the export takes as border value: an element, or a pointer to one for each channel.
@@ -116,7 +132,7 @@ Setup separable(okpStatus (*f)(const S*, Step, D*, Step, RoiT, BorderKind, V, co
         Case result{
             .reads = 1.0 * sizeof(S) * channels,
             .writes = 1.0 * sizeof(D) * channels,
-            .cycles = channels * floatPasses(length).cyclesPerElement(),
+            .cycles = channels * passes<S, K>(length).cyclesPerElement(),
             .ours =
                 [=] {
                     return f(src.data(), src.step(), dst.data(), dst.step(), roi, BorderReplicate, V{},

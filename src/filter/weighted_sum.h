@@ -114,6 +114,8 @@ OKPCV_INLINE void withTaps(const K* kernel, int64_t length, const Run& run) {
             return run(FixedTaps<5>(kernel));
         case 7:
             return run(FixedTaps<7>(kernel));
+        case 9:
+            return run(FixedTaps<9>(kernel));
         default:
             return run(AnyTaps<K>(kernel, length));
     }

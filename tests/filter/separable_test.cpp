@@ -10,6 +10,7 @@
 #include "support/compare.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
+#include "support/stack_use.h"
 #include "support/status_order.h"
 
 namespace okpcv::test {
@@ -304,6 +305,32 @@ TYPED_TEST(SeparableFilter, FiltersInPlace) {
             }
         });
     }
+}
+
+TYPED_TEST(SeparableFilter, UsesLessThan16KiBOfStack) {
+    using S = typename TypeParam::S;
+    using D = typename TypeParam::D;
+    if constexpr (!kFramesAreTypical) GTEST_SKIP();
+    forKernelTypes<TypeParam>([](auto k) {
+        using K = decltype(k);
+        Random random(10);
+        for (const int length : {3, 9, 15, 31}) {
+            for (const int largest : {4, 300}) {
+                const auto kernels = randomKernels<K>(random, length, length, largest);
+                const GuardedImage<S> src(640, 20, {.channels = TypeParam::channels});
+                const GuardedImage<D> dst(640, 20, {.channels = TypeParam::channels});
+                const std::vector<S> value(4);
+                Areas<K> areas(kernels, 640, TypeParam::channels, S{});
+                EXPECT_LT(stackUse([&] {
+                              TypeParam::filter(src.data(), src.step(), dst.data(), dst.step(), src.roi(),
+                                                BorderConstant, value.data(), areas.spec.data(),
+                                                areas.buffer.data());
+                          }),
+                          16 * 1024)
+                    << length << " " << largest;
+            }
+        }
+    });
 }
 
 // A picture cut into strips of any height, each filtered with its neighbours in memory, is the picture
