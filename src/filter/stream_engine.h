@@ -21,8 +21,9 @@
 
 namespace okpcv {
 
-// Elements of a tile's row; the tile is kept on the stack.
-inline constexpr int64_t kTileElements = 384;
+// Elements of a tile's row; the tile is kept on the stack. Longer ones crowd the rows of the destination out of
+// the first-level cache.
+inline constexpr int64_t kTileElements = 288;
 
 template <int Channels>
 constexpr int64_t tilePixels() {
