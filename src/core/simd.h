@@ -747,6 +747,17 @@ template <int N, class T>
 OKPCV_INLINE Vec<T> shiftLanesDown(Vec<T> a) {
     return bitCast<T>(Vec<int32_t>{_mm_srli_si128(bitCast<int32_t>(a).raw, N * int{sizeof(T)})});
 }
+// The same of 4-byte lanes, but where there is none the lane keeps its own.
+template <int N, class T>
+OKPCV_INLINE Vec<T> repeatLanesUp(Vec<T> a) {
+    static_assert(sizeof(T) == 4 && (N == 1 || N == 2));
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N == 1 ? 0x90 : 0x44)});
+}
+template <int N, class T>
+OKPCV_INLINE Vec<T> repeatLanesDown(Vec<T> a) {
+    static_assert(sizeof(T) == 4 && (N == 1 || N == 2));
+    return bitCast<T>(Vec<int32_t>{_mm_shuffle_epi32(bitCast<int32_t>(a).raw, N == 1 ? 0xF9 : 0xEE)});
+}
 // Lanes N, N + 1, ... of the sequence first, second.
 template <int N, class T>
 OKPCV_INLINE Vec<T> slide(Vec<T> first, Vec<T> second) {

@@ -180,6 +180,18 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(low[i], (i % 2 == 0 ? a : b)[i / 2]));
         EXPECT_TRUE(sameBit(high[i], (i % 2 == 0 ? a : b)[n / 2 + i / 2]));
     }
+    if constexpr (sizeof(T) == 4) {
+        const Lanes<T> up1 = lanesOf(repeatLanesUp<1>(vectorOf(a)));
+        const Lanes<T> up2 = lanesOf(repeatLanesUp<2>(vectorOf(a)));
+        const Lanes<T> down1 = lanesOf(repeatLanesDown<1>(vectorOf(a)));
+        const Lanes<T> down2 = lanesOf(repeatLanesDown<2>(vectorOf(a)));
+        for (size_t i = 0; i < n; ++i) {
+            EXPECT_TRUE(sameBit(up1[i], a[i < 1 ? i : i - 1]));
+            EXPECT_TRUE(sameBit(up2[i], a[i < 2 ? i : i - 2]));
+            EXPECT_TRUE(sameBit(down1[i], a[i + 1 < n ? i + 1 : i]));
+            EXPECT_TRUE(sameBit(down2[i], a[i + 2 < n ? i + 2 : i]));
+        }
+    }
     const Lanes<T> halves = lanesOf(loadHalves(a.data(), b.data() + 1));
     for (size_t i = 0; i < n; ++i) EXPECT_TRUE(sameBit(halves[i], i < n / 2 ? a[i] : b[1 + i - n / 2]));
     if constexpr (sizeof(T) == 4) {
