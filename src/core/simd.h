@@ -1063,6 +1063,13 @@ OKPCV_INLINE __m128i prefixesOfQuarter(Vec<uint8_t> a) {
 // Lane i becomes the sum of the bytes 0 to i of a quarter of a vector.
 template <int kQuarter>
 OKPCV_INLINE Vec<int32_t> prefixSumsOfQuarter(Vec<uint8_t> a) {
+    const __m128i quarter = _mm_shuffle_epi32(a.raw, kQuarter * 0x55);
+    const __m128i weights = _mm_set_epi32(0x01010101, 0x00010101, 0x00000101, 0x00000001);
+    return {_mm_madd_epi16(_mm_maddubs_epi16(quarter, weights), _mm_set1_epi16(1))};
+}
+// The same, by what the sums of squares below begin with: in fewer operations where both are made.
+template <int kQuarter>
+OKPCV_INLINE Vec<int32_t> prefixSumsBesideSquares(Vec<uint8_t> a) {
     const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
     return {_mm_madd_epi16(_mm_maddubs_epi16(bytes, _mm_set1_epi8(1)), _mm_set1_epi16(1))};
 }

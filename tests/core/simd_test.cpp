@@ -457,6 +457,9 @@ TEST(Simd, FormsPrefixSums) {
         const Vec<uint8_t> v = vectorOf(bytes);
         const std::array sums{lanesOf(prefixSumsOfQuarter<0>(v)), lanesOf(prefixSumsOfQuarter<1>(v)),
                               lanesOf(prefixSumsOfQuarter<2>(v)), lanesOf(prefixSumsOfQuarter<3>(v))};
+        const std::array beside{
+            lanesOf(prefixSumsBesideSquares<0>(v)), lanesOf(prefixSumsBesideSquares<1>(v)),
+            lanesOf(prefixSumsBesideSquares<2>(v)), lanesOf(prefixSumsBesideSquares<3>(v))};
         const std::array squares{
             lanesOf(prefixSquareSumsOfQuarter<0>(v)), lanesOf(prefixSquareSumsOfQuarter<1>(v)),
             lanesOf(prefixSquareSumsOfQuarter<2>(v)), lanesOf(prefixSquareSumsOfQuarter<3>(v))};
@@ -468,6 +471,7 @@ TEST(Simd, FormsPrefixSums) {
             sum += bytes[i];
             square += bytes[i] * bytes[i];
             EXPECT_EQ(sums[i / n][i % n], sum);
+            EXPECT_EQ(beside[i / n][i % n], sum);
             EXPECT_EQ(squares[i / n][i % n], square);
         }
     }
