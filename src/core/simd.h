@@ -249,6 +249,14 @@ OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
     }
 }
 
+// The same vector, kept in a register: compilers load once more what they use twice, where a copy would cost
+// less than the place of a load.
+template <class T>
+OKPCV_INLINE Vec<T> held(Vec<T> v) {
+    __asm__("" : "+x"(v.raw));
+    return v;
+}
+
 // Half a vector from each of two addresses.
 template <class T>
 OKPCV_INLINE Vec<T> loadHalves(const T* low, const T* high) {
