@@ -43,6 +43,17 @@ OKPCV_INLINE Vec<T> plus(Vec<T> distance, Vec<T> weight) {
     }
 }
 
+// The lesser of two distances. Floats that are not negative order like their bits, and minima of integers
+// leave the units free that add floats.
+template <class T>
+OKPCV_INLINE Vec<T> lesser(Vec<T> a, Vec<T> b) {
+    if constexpr (kIsFloat<T>) {
+        return bitCast<T>(min(bitCast<int32_t>(a), bitCast<int32_t>(b)));
+    } else {
+        return min(a, b);
+    }
+}
+
 // Steps along a row, in the order in which its pixels are visited: from left to right when kForward.
 
 // The lanes visited N before each of v's, which begin in the vector visited before it.
@@ -52,18 +63,6 @@ OKPCV_INLINE Vec<T> lanesBefore(Vec<T> before, Vec<T> v) {
         return slide<Vec<T>::lanes - N>(before, v);
     } else {
         return slide<N>(v, before);
-    }
-}
-
-// The least that each lane can have from those visited before it in the vector: v lane by lane, and
-// steps.take<N>, which makes N steps, of all earlier lanes.
-template <int N, bool kForward, class T, class Steps>
-OKPCV_INLINE Vec<T> alongVector(Vec<T> v, const Steps& steps) {
-    if constexpr (N < Vec<T>::lanes) {
-        const Vec<T> before = lanesBefore<N, kForward>(broadcast(kUnreachable<T>), v);
-        return alongVector<2 * N, kForward>(min(v, steps.template take<N>(before)), steps);
-    } else {
-        return v;
     }
 }
 
@@ -80,14 +79,21 @@ class StraightSteps {
     }
     OKPCV_INLINE Vec<T> operator()(Vec<T> before, Vec<T> v) const {
         const Vec<T> carried = kForward ? broadcastLast(before) : broadcastLane<0>(before);
-        return min(alongVector<1, kForward>(v, *this), addSaturated(carried, ramp_));
-    }
-    template <int N>
-    OKPCV_INLINE Vec<T> take(Vec<T> v) const {
-        return addSaturated(v, doubled_[__builtin_ctz(N)]);
+        return lesser(along<1>(v), addSaturated(carried, ramp_));
     }
 
   private:
+    // v lowered to what N, 2 * N, ... steps within the vector give.
+    template <int N>
+    OKPCV_INLINE Vec<T> along(Vec<T> v) const {
+        if constexpr (N < kLanes) {
+            const Vec<T> before = lanesBefore<N, kForward>(broadcast(kUnreachable<T>), v);
+            return along<2 * N>(lesser(v, addSaturated(before, doubled_[__builtin_ctz(N)])));
+        } else {
+            return v;
+        }
+    }
+
     static constexpr int kLanes = Vec<T>::lanes;
     static constexpr int kDoublings = __builtin_ctz(kLanes);
     Vec<T> doubled_[kDoublings];
@@ -100,15 +106,22 @@ class StraightSteps<float, kForward> {
     explicit StraightSteps(float a) : a_(broadcast(a)) {}
     OKPCV_INLINE Vec<float> operator()(Vec<float> before, Vec<float> v) const {
         const Vec<float> carried = lanesBefore<1, kForward>(before, broadcast(kUnreachable<float>));
-        return alongVector<1, kForward>(min(v, carried + a_), *this);
-    }
-    template <int N>
-    OKPCV_INLINE Vec<float> take(Vec<float> v) const {
-        for (int i = 0; i < N; ++i) v = v + a_;
-        return v;
+        return along<1>(lesser(v, carried + a_));
     }
 
   private:
+    // The same. Lanes that have no N-th before them step from themselves, which lowers nothing.
+    template <int N>
+    OKPCV_INLINE Vec<float> along(Vec<float> v) const {
+        if constexpr (N < Vec<float>::lanes) {
+            Vec<float> stepped = kForward ? repeatLanesUp<N>(v) : repeatLanesDown<N>(v);
+            for (int i = 0; i < N; ++i) stepped = stepped + a_;
+            return along<2 * N>(lesser(v, stepped));
+        } else {
+            return v;
+        }
+    }
+
     Vec<float> a_;
 };
 
@@ -212,7 +225,7 @@ class Pass {
     // Rows that are visited side by side, each this many vectors behind the one before. One vector would do
     // to be right; with a few more, loads rarely meet two stores that are still on their way to the cache.
     static constexpr int kRows = kIsFloat<T> ? 4 : 1;
-    static constexpr int64_t kLag = 4;
+    static constexpr int64_t kLag = 3;
 
     void run(Image<const uint8_t> src, Image<T> dst, Size size) const {
         constexpr int64_t toBefore = kForward ? -1 : 1;
@@ -250,19 +263,19 @@ class Pass {
     // Visits the vector at column x; `before` is what the visit before this one returned.
     template <class Where>
     OKPCV_INLINE Vec<T> visit(const RowVisit<T>& row, int64_t x, Vec<T> before, Where where) const {
-        Vec<T> v = min(plus(loadAt<0>(row.near, x, where), a_),
-                       plus(min(loadAt<-1>(row.near, x, where), loadAt<1>(row.near, x, where)), b_));
+        Vec<T> v = lesser(plus(loadAt<0>(row.near, x, where), a_),
+                          plus(lesser(loadAt<-1>(row.near, x, where), loadAt<1>(row.near, x, where)), b_));
         if constexpr (kKnight) {
-            const Vec<T> near = min(loadAt<-2>(row.near, x, where), loadAt<2>(row.near, x, where));
-            const Vec<T> far = min(loadAt<-1>(row.far, x, where), loadAt<1>(row.far, x, where));
-            v = min(v, plus(min(near, far), c_));
+            const Vec<T> near = lesser(loadAt<-2>(row.near, x, where), loadAt<2>(row.near, x, where));
+            const Vec<T> far = lesser(loadAt<-1>(row.far, x, where), loadAt<1>(row.far, x, where));
+            v = lesser(v, plus(lesser(near, far), c_));
         }
         if constexpr (kForward) {
             // Integers are saturated already.
-            if constexpr (kIsFloat<T>) v = min(v, broadcast(kUnreachable<T>));
+            if constexpr (kIsFloat<T>) v = lesser(v, broadcast(kUnreachable<T>));
             v = andNot(v, zeroPixels<T>(row.src, x, where));
         } else {
-            v = min(v, loadAt<0>(Row<T>{row.distances, -1}, x, where));
+            v = lesser(v, loadAt<0>(Row<T>{row.distances, -1}, x, where));
             // Nothing comes back from outside the image.
             if constexpr (std::is_same_v<Where, AtEdge>) {
                 v = max(v, unreachableFrom<T>(where.lanesFrom(x, kLanes)));

@@ -99,12 +99,12 @@ struct IntegerGradients {
 
   private:
     // The products with the tangents are to be formed in double precision and rounded to single. Up to this
-    // |dx| they lie between the same integers as those with a tangent of 16 bits.
+    // |dx| they lie between the same integers as the products with a tangent of 16 bits.
     static constexpr uint16_t kLargestShort = 1392;
     static constexpr uint16_t kTan22Of65536 = 27146;
 
-    // The same in single precision, for all derivatives: for the 32769 absolute values there are, a sum of two
-    // products lies on the same side of every integer.
+    // The same in single precision, for all derivatives: of the 32769 absolute values there are, the sum of
+    // two products lies on the same side of every integer.
     [[gnu::noinline]] static Vec<uint8_t> wideDirections(Vec<int16_t> x0, Vec<int16_t> x1, Vec<int16_t> y0,
                                                          Vec<int16_t> y1) {
         // The first nine bits of each tangent and the rest, which is the same for both.
@@ -164,7 +164,7 @@ struct FloatGradients {
 // ---- Magnitudes -----------------------------------------------------------------------------------------
 
 // A measure makes a group's magnitudes of its gradients: numbers that order like the magnitudes, 0 for those
-// that do not pass the low threshold. Its excess is not 0 where they exceed the high one, and edges start. Its
+// that do not pass the low threshold. Its excess is not 0 where they exceed the high one and edges start. Its
 // witnesses of a group are all 0 only if the magnitudes are.
 
 // |dx| + |dy| of integers as 16-bit numbers: what exceeds the truncated low threshold. With a threshold of at
@@ -294,7 +294,7 @@ OKPCV_INLINE Vec<int32_t> choose(Vec<int32_t> choice, Vec<int32_t> a, Vec<int32_
     return bitCast<int32_t>(select(bitCast<float>(choice), bitCast<float>(a), bitCast<float>(b)));
 }
 
-// Not 0 where m, if it is not, exceeds a and b, or where `tie` is 1 equals b.
+// Not 0 where m exceeds a, and either exceeds b or, where `tie` is 1, equals it. Nowhere does an m of 0.
 OKPCV_INLINE Vec<uint16_t> exceeding(Vec<uint16_t> m, Vec<uint16_t> a, Vec<uint16_t> b, Vec<uint16_t> tie) {
     return subSaturated(m, max(a, subSaturated(b, tie)));
 }
@@ -437,8 +437,8 @@ class Detector {
         }
     }
 
-    // Finds the active groups of row y, and their magnitudes and directions. Groups that were active in the row
-    // whose place this one takes are measured too, so that what is not active is 0.
+    // Finds the active groups of row y, and their magnitudes and directions. Groups that were active in the
+    // row whose place this one takes are measured too, so that what is not active is 0.
     void measure(int64_t y) {
         const auto [dx, dy] = derivatives_.row(y);
         M* const magnitude = magnitudes(y);

@@ -2,9 +2,9 @@
 // A row's running sum is added to the row above; both destinations are made in one pass. Source: F. C. Crow,
 // "Summed-Area Tables for Texture Mapping", SIGGRAPH 1984.
 //
-// Bound by stores: 4 to 12 bytes per pixel. Rows are made in pairs, side by side, so that the row above is
-// read once for both and their running sums do not wait for each other; per four 8-bit pixels the sums then
-// take some 8 operations and the squares 10 to 16.
+// Bound by stores: 4 to 12 bytes per pixel. Four rows are made side by side, so that the row above is read
+// once for all and their running sums do not wait for each other; per four 8-bit pixels the sums then take
+// some 8 operations and the squares 10 to 16.
 #include <algorithm>
 
 #include "core/checks.h"
@@ -30,6 +30,12 @@ struct Value {
     template <int kNumber>
     static OKPCV_INLINE Vec<int32_t> prefixSums(Vec<uint8_t> group) {
         return prefixSumsOfQuarter<kNumber>(group);
+    }
+};
+struct ValueBesideSquare : Value {
+    template <int kNumber>
+    static OKPCV_INLINE Vec<int32_t> prefixSums(Vec<uint8_t> group) {
+        return prefixSumsBesideSquares<kNumber>(group);
     }
 };
 struct Square {
@@ -204,7 +210,7 @@ okpStatus sqrIntegral8u(Image<const uint8_t> src, Image<D> dst, Image<Q> sqr, Ro
     // Destinations that overlap receive what writing sum and square of pixel after pixel leaves.
     const int64_t grouped = overlap ? 0 : groupedColumns<D>(groupedColumns<Q>(size.width));
     const auto rowsFrom = [&](auto count, int64_t y) OKPCV_INLINE_LAMBDA {
-        const RowsOf<D, Value, count> sums(dst, val, y);
+        const RowsOf<D, ValueBesideSquare, count> sums(dst, val, y);
         const RowsOf<Q, Square, count> squares(sqr, valSqr, y);
         makeRows<count>(src, y, size.width, grouped, sums, squares);
     };

@@ -180,6 +180,18 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(low[i], (i % 2 == 0 ? a : b)[i / 2]));
         EXPECT_TRUE(sameBit(high[i], (i % 2 == 0 ? a : b)[n / 2 + i / 2]));
     }
+    if constexpr (sizeof(T) == 4) {
+        const Lanes<T> up1 = lanesOf(repeatLanesUp<1>(vectorOf(a)));
+        const Lanes<T> up2 = lanesOf(repeatLanesUp<2>(vectorOf(a)));
+        const Lanes<T> down1 = lanesOf(repeatLanesDown<1>(vectorOf(a)));
+        const Lanes<T> down2 = lanesOf(repeatLanesDown<2>(vectorOf(a)));
+        for (size_t i = 0; i < n; ++i) {
+            EXPECT_TRUE(sameBit(up1[i], a[i < 1 ? i : i - 1]));
+            EXPECT_TRUE(sameBit(up2[i], a[i < 2 ? i : i - 2]));
+            EXPECT_TRUE(sameBit(down1[i], a[i + 1 < n ? i + 1 : i]));
+            EXPECT_TRUE(sameBit(down2[i], a[i + 2 < n ? i + 2 : i]));
+        }
+    }
     const Lanes<T> halves = lanesOf(loadHalves(a.data(), b.data() + 1));
     for (size_t i = 0; i < n; ++i) EXPECT_TRUE(sameBit(halves[i], i < n / 2 ? a[i] : b[1 + i - n / 2]));
     if constexpr (sizeof(T) == 4) {
@@ -454,6 +466,9 @@ TEST(Simd, FormsPrefixSums) {
         const Vec<uint8_t> v = vectorOf(bytes);
         const std::array sums{lanesOf(prefixSumsOfQuarter<0>(v)), lanesOf(prefixSumsOfQuarter<1>(v)),
                               lanesOf(prefixSumsOfQuarter<2>(v)), lanesOf(prefixSumsOfQuarter<3>(v))};
+        const std::array beside{
+            lanesOf(prefixSumsBesideSquares<0>(v)), lanesOf(prefixSumsBesideSquares<1>(v)),
+            lanesOf(prefixSumsBesideSquares<2>(v)), lanesOf(prefixSumsBesideSquares<3>(v))};
         const std::array squares{
             lanesOf(prefixSquareSumsOfQuarter<0>(v)), lanesOf(prefixSquareSumsOfQuarter<1>(v)),
             lanesOf(prefixSquareSumsOfQuarter<2>(v)), lanesOf(prefixSquareSumsOfQuarter<3>(v))};
@@ -465,6 +480,7 @@ TEST(Simd, FormsPrefixSums) {
             sum += bytes[i];
             square += bytes[i] * bytes[i];
             EXPECT_EQ(sums[i / n][i % n], sum);
+            EXPECT_EQ(beside[i / n][i % n], sum);
             EXPECT_EQ(squares[i / n][i % n], square);
         }
     }

@@ -123,8 +123,8 @@ struct CannyTest : testing::Test {
     Random random{61};
     using M = std::conditional_t<std::is_same_v<T, float>, float, int64_t>;
 
-    // Derivatives of the kinds that matter: smooth hills, few levels (ties), any value, the extreme one, short
-    // walks between long stretches of nothing.
+    // Derivatives of the kinds that matter: smooth hills, few levels (ties), any value, short walks between
+    // long stretches of nothing, the extreme value.
     std::vector<T> draw(int kind, size_t count) {
         std::vector<T> values(count);
         T walk{};
