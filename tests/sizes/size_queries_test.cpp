@@ -180,7 +180,9 @@ void expectSound(const Query& query) {
                 for (const int64_t size : answer.sizes) {
                     if (size == kUntouched) continue;
                     ASSERT_EQ(answer.status, okpStatusOk) << width << 'x' << height << ' ' << number;
-                    if (query.growing) ASSERT_GE(size, 0) << width << 'x' << height << ' ' << number;
+                    if (query.growing) {
+                        ASSERT_GE(size, 0) << width << 'x' << height << ' ' << number;
+                    }
                 }
             }
         }
@@ -195,7 +197,9 @@ void expectSound(const Query& query) {
                 return testing::Message() << sides[larger / n % w] << 'x' << sides[larger / n / w] << ' '
                                           << kNumbers[larger % n];
             };
-            if (less.status == okpStatusSizeTooLarge) ASSERT_NE(more.status, okpStatusOk) << where();
+            if (less.status == okpStatusSizeTooLarge) {
+                ASSERT_NE(more.status, okpStatusOk) << where();
+            }
             if (less.status != okpStatusOk || more.status != okpStatusOk) continue;
             for (int k = 0; k < 2; ++k) ASSERT_GE(more.sizes[k], less.sizes[k]) << where();
         }
