@@ -3,9 +3,11 @@
 //
 // combineRows is bound by loads. Four rows of output share the rows of a tall term: per vector of output a
 // term of height h costs (h + 3) / 4 loads, about one maximum per load, and the result one store.
-// combineTall costs 3 loads, 3 maxima and 2 stores at any height.
+// combineTall costs 3 loads, 3 maxima and 2 stores at any height. combineRectangle is bound by the number of
+// instructions, 13 per vector of a square of 3: 1.5 loads, 3.5 maxima, 2 moves along the row and one store.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <limits>
@@ -15,6 +17,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 
 namespace okpcv::morph {
 
@@ -161,6 +164,19 @@ class Tile {
 
     OKPCV_INLINE explicit Tile(Extent extent) : extent_(extent) {}
 
+    // Fills the tile with a term of any height.
+    template <class S, class Watch>
+    OKPCV_INLINE void fill(const S* p, int64_t step, int32_t height, Watch& watch) {
+        if (height == 1) return takeShort<1, true>(p, step, watch);
+        if (height < kRows) {
+            // By twos, which share all rows but two.
+            return forEach<kRows / 2>([&](auto i) OKPCV_INLINE_LAMBDA {
+                takeTogether<2 * i, 2, true>(rowBelow(p, 2 * i, step), step, height, watch);
+            });
+        }
+        takeTall<true>(p, step, height, watch);
+    }
+
     // Takes in a term of a height below kRows, or of height 1 when kRows is 1. kFirst: the tile is empty yet.
     template <int kHeight, bool kFirst, class S, class Watch>
     OKPCV_INLINE void takeShort(const S* p, int64_t step, Watch& watch) {
@@ -180,40 +196,10 @@ class Tile {
         });
     }
 
-    // Takes in a term of at least kRows rows: the rows that all outputs share first, then the rest of each.
+    // Takes in a term of at least kRows rows.
     template <bool kFirst, class S, class Watch>
     OKPCV_INLINE void takeTall(const S* p, int64_t step, int32_t height, Watch& watch) {
-        Row run, row;
-        fetch(run, rowBelow(p, kRows - 1, step));
-        if (height == kRows) see(run, watch);
-        for (int32_t t = kRows; t < height; ++t) {
-            fetch(row, rowBelow(p, t, step));
-            if (t == height - 1) see(row, watch);
-            merge(run, row);
-        }
-        forEach<kRows>([&](auto i) OKPCV_INLINE_LAMBDA {
-            constexpr int r = kRows - 1 - i;
-            if constexpr (r < kRows - 1) {
-                fetch(row, rowBelow(p, r, step));
-                merge(run, row);
-            }
-            if constexpr (kFirst) {
-                rows_[r] = run;
-            } else {
-                merge(rows_[r], run);
-            }
-        });
-        const S* const below = rowBelow(p, height, step);
-        forEach<kRows - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
-            fetch(row, rowBelow(below, i, step));
-            see(row, watch);
-            if constexpr (i == 0) {
-                run = row;
-            } else {
-                merge(run, row);
-            }
-            merge(rows_[i + 1], run);
-        });
+        takeTogether<0, kRows, kFirst>(p, step, height, watch);
     }
 
     // The identity everywhere, to begin with terms of any height.
@@ -233,6 +219,12 @@ class Tile {
         });
     }
 
+    template <int r>
+    OKPCV_INLINE Vec<Cell> vector() const {
+        static_assert(kVectors == 1);
+        return rows_[r].vectors[0];
+    }
+
   private:
     struct Row {
         Vec<Cell> vectors[kVectors];
@@ -244,6 +236,43 @@ class Tile {
             (step(std::integral_constant<int, i>{}), ...);
         }
         (std::make_integer_sequence<int, kCount>{});
+    }
+
+    // Takes a term of at least kCount rows into the kCount rows from kFrom on: the rows that they all share
+    // first, then the rest of each.
+    template <int kFrom, int kCount, bool kFirst, class S, class Watch>
+    OKPCV_INLINE void takeTogether(const S* p, int64_t step, int32_t height, Watch& watch) {
+        Row run, row;
+        fetch(run, rowBelow(p, kCount - 1, step));
+        if (height == kCount) see(run, watch);
+        for (int32_t t = kCount; t < height; ++t) {
+            fetch(row, rowBelow(p, t, step));
+            if (t == height - 1) see(row, watch);
+            merge(run, row);
+        }
+        forEach<kCount>([&](auto i) OKPCV_INLINE_LAMBDA {
+            constexpr int r = kCount - 1 - i;
+            if constexpr (r < kCount - 1) {
+                fetch(row, rowBelow(p, r, step));
+                merge(run, row);
+            }
+            if constexpr (kFirst) {
+                rows_[kFrom + r] = run;
+            } else {
+                merge(rows_[kFrom + r], run);
+            }
+        });
+        const S* const below = rowBelow(p, height, step);
+        forEach<kCount - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
+            fetch(row, rowBelow(below, i, step));
+            see(row, watch);
+            if constexpr (i == 0) {
+                run = row;
+            } else {
+                merge(run, row);
+            }
+            merge(rows_[kFrom + i + 1], run);
+        });
     }
 
     template <class S>
@@ -338,6 +367,56 @@ OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
         for (int v = 0; v < vectors; ++v)
             storeCells<P>(dst + x + v * kLanes, run[v], extent.from(v * kLanes));
     });
+}
+
+// The steps by which a run of one element grows to one of kRun: to twice the length as long as that fits.
+template <int kRun>
+struct Growth {
+    int by[3]{};
+    int steps = 0;
+
+    constexpr Growth() {
+        for (int length = 1; length < kRun; length += by[steps++])
+            by[steps] = length < kRun - length ? length : kRun - length;
+    }
+};
+template <int kRun>
+inline constexpr Growth<kRun> kGrowth{};
+
+// Rectangles of kRun elements, kStep apart, and `height` rows, for kRows rows of output of whole vectors: the
+// maxima of the columns, then with each step of growth one maximum with themselves, moved, for which a vector
+// waits until the next one is there. Reads as many vectors beyond those that it writes as there are steps.
+template <class P, int kRun, int kStep, int kRows, class T, class Height, class Watch>
+void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height height, Watch& watch) {
+    constexpr int kLanes = Vec<T>::lanes;
+    constexpr int kSteps = kGrowth<kRun>.steps;
+    Watch seen = watch;
+    Vec<T> waiting[kSteps + 1][kRows];
+    for (auto& rows : waiting) {
+        for (Vec<T>& v : rows) v = zeros<T>();
+    }
+    const auto advance = [&](int64_t i, auto writes) OKPCV_INLINE_LAMBDA {
+        Tile<P, kRows, 1, Whole> tile(Whole{});
+        tile.fill(src.data + (i + kSteps) * kLanes, src.step, height, seen);
+        unrolled<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
+            Vec<T> v = tile.template vector<r>();
+            unrolled<kSteps>([&](auto s) OKPCV_INLINE_LAMBDA {
+                const Vec<T> grown =
+                    P::Op::of(waiting[s][r], slide<kGrowth<kRun>.by[s] * kStep>(waiting[s][r], v));
+                waiting[s][r] = v;
+                v = grown;
+            });
+            if constexpr (writes) store(dst.row(r) + i * kLanes, v);
+        });
+    };
+    int64_t i = -kSteps;
+    for (; i < 0; ++i) advance(i, std::false_type{});
+    // By twos, so that what waits need not be moved from register to register.
+    for (; i < vectors; i += 2) {
+        advance(i, std::true_type{});
+        advance(i + 1, std::true_type{});
+    }
+    watch = seen;
 }
 
 template <class P, class S, class D, class Take>
@@ -487,6 +566,66 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
         }
     });
     watch = seen;
+}
+
+// What combineRectangle can do: the short runs that masks with a middle have, of elements as far apart as there
+// are channels, which reach into the next vector at most with each step of their growth.
+template <class T>
+constexpr bool canCombineRectangle(int32_t run, int32_t channels) {
+    const int32_t longestStep = run == 5 ? 2 : run == 7 ? 3 : 1;
+    return run <= 7 && run % 2 == 1 && longestStep * channels <= Vec<T>::lanes;
+}
+// Vectors of the source that it reads beyond those that it writes.
+constexpr int64_t vectorsBeyond(int32_t run) {
+    return std::bit_width(static_cast<uint32_t>(run - 1));
+}
+
+inline constexpr int kRectangleRows = 4;
+
+// dst(x, y) = the maximum of the elements of src from (x, y) on that are a run of pixels of `channels` elements
+// and `height` rows, for an even number of whole vectors of at least kRectangleRows rows. Watches all rows of
+// the source but the first height - 1.
+template <class P, class T, class Watch>
+void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run,
+                      int channels, int32_t height, Watch& watch) {
+    const auto fill = [&](auto length, auto step, auto knownHeight) OKPCV_INLINE_LAMBDA {
+        if constexpr (canCombineRectangle<T>(length, step)) {
+            static_assert(vectorsBeyond(length) == detail::kGrowth<length>.steps);
+            // As many rows together as leaves what waits and what is watched in registers.
+            constexpr bool isLight = length <= 3 && std::is_same_v<Watch, NoWatch>;
+            constexpr int kRows = isLight ? kRectangleRows : kRectangleRows / 2;
+            for (int64_t next = 0; next < rows; next += kRows) {
+                const int64_t y = std::min(next, rows - kRows);
+                detail::fillRectangles<P, length, step, kRows>(Image<const T>{src.row(y), src.step},
+                                                               Image<T>{dst.row(y), dst.step}, vectors,
+                                                               knownHeight, watch);
+            }
+        }
+    };
+    const auto fillAny = [&](auto length, auto step) OKPCV_INLINE_LAMBDA {
+        // Squares are worth code of their own.
+        if (height == length) return fill(length, step, length);
+        fill(length, step, height);
+    };
+    detail::withCount<1, 7>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
+        if (channels == 1) return fillAny(length, std::integral_constant<int, 1>{});
+        // There are no pixels of two bytes with several channels.
+        if constexpr (sizeof(T) != 2) {
+            if (channels == 3) return fillAny(length, std::integral_constant<int, 3>{});
+            fillAny(length, std::integral_constant<int, 4>{});
+        }
+    });
+}
+
+// Shows the watch `rows` rows.
+template <class T, class Watch>
+void watchRows(Image<const T> src, int64_t width, int64_t rows, Watch& watch) {
+    if constexpr (!std::is_same_v<Watch, NoWatch>) {
+        for (int64_t y = 0; y < rows; ++y) {
+            detail::coverRow<Vec<T>::lanes, 1>(
+                width, [&](auto, auto extent, int64_t x) { watch.see(load(src.row(y) + x, extent)); });
+        }
+    }
 }
 
 }  // namespace okpcv::morph

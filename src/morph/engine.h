@@ -1,6 +1,7 @@
 // The engine of morphology for images of whole bytes: it carries rows of the source through the planes of a
 // plan and combines them into rows of the destination, strip by strip and a few rows at a time, so that what
-// is in use stays in the nearer caches. Opening, closing and their relatives can run it twice over one spec.
+// is in use stays in the nearer caches. The interior of a small rectangle goes from the source to the
+// destination at once. Opening, closing and their relatives can run it twice over one spec.
 //
 // M. van Herk, "A fast algorithm for local minimum and maximum filters on rectangular and octagonal kernels",
 // Pattern Recognition Letters 13 (1992); J. Gil and M. Werman, "Computing 2-D min, median, and max filters",
@@ -110,10 +111,17 @@ class Engine {
 
     // False as soon as a pixel turns up that needs other cells; some of the destination is then written.
     bool run() {
-        const int64_t strip = std::min(sizes_.stripWidth, job_.size.width);
-        for (int64_t x = 0; x < job_.size.width; x += strip) {
-            // The last strip overlaps the one before.
-            if (!runStrip(std::min(x, job_.size.width - strip), strip)) return false;
+        if constexpr (std::is_same_v<Pixel, Cell>) {
+            const Interior interior = findInterior();
+            const bool isShort = interior.block.length <= kShortRun;
+            if (interior.vectors >= (isShort ? kLeastVectors : kLeastVectorsLong)) return runAround(interior);
+        }
+        if (!spec_.isRectangle() || job_.size.width <= sizes_.stripWidth)
+            return runStrips(0, job_.size.height);
+        // As rectangles keep no rows, the strips can take turns, which follows the image in memory.
+        const int64_t together = kInteriorRows + 4 * int64_t{header_.maskHeight};
+        for (int64_t y = 0; y < job_.size.height; y += together) {
+            if (!runStrips(y, std::min(y + together, job_.size.height))) return false;
         }
         return true;
     }
@@ -121,6 +129,14 @@ class Engine {
   private:
     // Rows of output that a rectangle makes at a time.
     static constexpr int64_t kFewRows = 8;
+    // So many columns beside the region are made column by column, more row by row.
+    static constexpr int64_t kFewColumns = 8;
+    // Vectors of a row of its interior that pay for what has to be done around it, for short and longer runs.
+    static constexpr int32_t kShortRun = 3;
+    static constexpr int64_t kLeastVectors = 48;
+    static constexpr int64_t kLeastVectorsLong = 96;
+    // Rows of its interior between two visits of the columns beside it, which have them in a near cache.
+    static constexpr int64_t kInteriorRows = 64;
 
     static Scratch placeScratch(void* buffer, const Sizes& sizes) {
         Area area(buffer);
@@ -135,7 +151,76 @@ class Engine {
         return {planeRow(plane, row), sizes_.window.step * int64_t{sizeof(Cell)}};
     }
 
-    bool runStrip(int64_t x, int64_t width) {
+    // Rows `top` to `bottom` - 1.
+    bool runStrips(int64_t top, int64_t bottom) {
+        if (top >= bottom) return true;
+        // As many strips as it takes, all of one width.
+        const int64_t strips = (job_.size.width + sizes_.stripWidth - 1) / sizes_.stripWidth;
+        const int64_t strip = (job_.size.width + strips - 1) / strips;
+        for (int64_t x = 0; x < job_.size.width; x += strip) {
+            // The last strip overlaps the one before.
+            if (!runStrip(std::min(x, job_.size.width - strip), strip, top, bottom)) return false;
+        }
+        return true;
+    }
+
+    // Where the pixels under a small rectangle are all in readable memory, so that combineRectangle takes
+    // them from there: output columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
+    struct Interior {
+        Spec::Place block;
+        int64_t x, vectors, top, bottom;
+    };
+    Interior findInterior() const {
+        // Strips beside it are as wide as the scratch memory only if the region is no wider than promised.
+        if (!spec_.isRectangle() || job_.size.width > header_.roiWidth) return {};
+        const Spec::Place block = spec_.block(0);
+        if (block.height > RowIntake<P, Watch>::kTallest ||
+            !canCombineRectangle<Pixel>(block.length, job_.channels))
+            return {};
+        const Border& border = job_.border;
+        const int64_t left = header_.anchorX - block.column, above = header_.anchorY - block.row;
+        const int64_t below = block.height - 1 - above;
+        const int64_t readableTo = job_.size.width + (border.rightInMemory() ? header_.rightExtent : 0);
+        Interior in{block, border.leftInMemory() ? 0 : std::max<int64_t>(left, 0), 0,
+                    border.topInMemory() ? 0 : std::max<int64_t>(above, 0),
+                    job_.size.height - (border.bottomInMemory() ? 0 : std::max<int64_t>(below, 0))};
+        constexpr int kLanes = Vec<Pixel>::lanes;
+        const int64_t written = (job_.size.width - in.x) * job_.channels / kLanes;
+        const int64_t read = (readableTo - in.x + left) * job_.channels / kLanes;
+        if (in.bottom - in.top >= kRectangleRows)
+            in.vectors = std::min(written, read - vectorsBeyond(block.length)) / 2 * 2;
+        return in;
+    }
+    // A small rectangle: its interior, and what is around it by way of the planes.
+    bool runAround(const Interior& in) {
+        const Spec::Place& block = in.block;
+        const int64_t x = in.x, vectors = in.vectors, top = in.top, bottom = in.bottom;
+        const int64_t aVector = Vec<Pixel>::lanes;
+        const int64_t leftWidth = std::min(std::max(x, aVector), job_.size.width);
+        const int64_t rightX = std::clamp<int64_t>((x * job_.channels + vectors * aVector) / job_.channels, 0,
+                                                   job_.size.width - leftWidth);
+        const auto from = [&](int64_t y) {
+            return Image<const Pixel>{job_.src.row(y - header_.anchorY + block.row) +
+                                          (x - header_.anchorX + block.column) * job_.channels,
+                                      job_.src.step};
+        };
+        if (!runStrips(0, top)) return false;
+        watchRows(from(top), (vectors + vectorsBeyond(block.length)) * aVector, block.height - 1, watch_);
+        for (int64_t y = top; y < bottom; y += kInteriorRows) {
+            const int64_t end = std::min(y + kInteriorRows, bottom);
+            // At least the rows that are combined together: the block may overlap the one before.
+            const int64_t begin = std::min(y, bottom - kRectangleRows);
+            combineRectangle<P>(from(begin), destination(x, begin), vectors, end - begin, block.length,
+                                job_.channels, block.height, watch_);
+            if (x > 0 && !runStrip(0, leftWidth, y, end)) return false;
+            if (rightX < job_.size.width && !runStrip(rightX, job_.size.width - rightX, y, end)) return false;
+            if (watch_.found()) return false;
+        }
+        return runStrips(bottom, job_.size.height);
+    }
+
+    // A strip of rows `top` to `bottom` - 1; all of the rows unless the mask is a rectangle.
+    bool runStrip(int64_t x, int64_t width, int64_t top, int64_t bottom) {
         // The strip's columns with those around it that the mask reaches; of these the first to the last that
         // lie in readable memory.
         const Border& border = job_.border;
@@ -149,21 +234,22 @@ class Engine {
                                    job_.value, job_.channels,
                                    {planeRow(0, 0) + readable, planeRows(0, 0).step},
                                    {static_cast<Pixel*>(scratch_.borderRows), planeRows(0, 0).step}, watch_);
-        return spec_.isRectangle() ? runRectangle(intake, x, width) : runRuns(intake, x, width);
+        return spec_.isRectangle() ? runRectangle(intake, x, width, top, bottom) : runRuns(intake, x, width);
     }
 
     // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
-    bool runRectangle(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+    bool runRectangle(RowIntake<P, Watch>& intake, int64_t x, int64_t width, int64_t top, int64_t bottom) {
         const Spec::Place block = spec_.block(0);
-        const int64_t blockRows = block.height > RowIntake<P, Watch>::kTallest ? sizes_.blockRows : kFewRows;
-        for (int64_t y = 0; y < job_.size.height; y += blockRows) {
-            const int64_t rows = std::min(blockRows, job_.size.height - y);
+        const int64_t fewRows = 8 * width < sizes_.stripWidth ? sizes_.blockRows : kFewRows;
+        const int64_t blockRows = block.height > RowIntake<P, Watch>::kTallest ? sizes_.blockRows : fewRows;
+        for (int64_t y = top; y < bottom; y += blockRows) {
+            const int64_t rows = std::min(blockRows, bottom - y);
             intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
             extendRows(0, rows);
             if (watch_.found()) return false;
             // The other planes have a few rows only, which stay in the nearest cache.
-            for (int64_t i = 0; i < rows; i += kFewRows) {
-                const int64_t few = std::min(kFewRows, rows - i);
+            for (int64_t i = 0; i < rows; i += fewRows) {
+                const int64_t few = std::min(fewRows, rows - i);
                 for (int p = 1; p < plan_.planeCount(); ++p)
                     makePlane(p, planeRows(plan_.plane(p).source, plan_.plane(p).source == 0 ? i : 0), 0,
                               few);
@@ -239,43 +325,57 @@ class Engine {
 
     // Makes the columns of plane 0 that are not in readable memory, in rows `first` to `end` - 1.
     void extendRows(int64_t first, int64_t end) const {
-        if (readableFrom_ == from_ && readableTo_ == to_) return;
+        extendSide(from_, readableFrom_, first, end);
+        extendSide(readableTo_, to_, first, end);
+    }
+    // The same for columns `from` to `to` - 1.
+    void extendSide(int64_t from, int64_t to, int64_t first, int64_t end) const {
+        if (from >= to || first >= end) return;
+        switch (job_.channels) {
+            case 1:
+                return extendSide<1>(from, to, first, end);
+            case 3:
+                return extendSide<3>(from, to, first, end);
+            default:
+                return extendSide<4>(from, to, first, end);
+        }
+    }
+    template <int kChannels>
+    OKPCV_INLINE void extendSide(int64_t from, int64_t to, int64_t first, int64_t end) const {
+        if (to - from <= kFewColumns) {
+            for (int64_t x = from; x < to; ++x) extendColumn<kChannels>(x, first, end);
+            return;
+        }
         for (int64_t i = first; i < end; ++i) {
-            switch (job_.channels) {
-                case 1:
-                    extendRow<1>(planeRow(0, i));
-                    break;
-                case 3:
-                    extendRow<3>(planeRow(0, i));
-                    break;
-                default:
-                    extendRow<4>(planeRow(0, i));
+            Cell* const columnZero = planeRow(0, i) - from_ * kChannels;
+            Cell* const out = columnZero + from * kChannels;
+            if (job_.border.kind() == BorderMirror) {
+                produceColumns<kChannels>(out, columnZero, job_.size.width, from, to, job_.border, value_);
+            } else {
+                const int64_t source = job_.border.column(from, job_.size.width);
+                repeat<kChannels>(out, source == Border::kValue ? value_ : columnZero + source * kChannels,
+                                  to - from);
             }
         }
     }
     template <int kChannels>
-    OKPCV_INLINE void extendRow(Cell* row) const {
-        Cell* const columnZero = row - from_ * kChannels;
-        const int64_t width = job_.size.width;
-        if (job_.border.kind() == BorderMirror) {
-            produceColumns<kChannels>(row, columnZero, width, from_, readableFrom_, job_.border, value_);
-            produceColumns<kChannels>(columnZero + readableTo_ * kChannels, columnZero, width, readableTo_,
-                                      to_, job_.border, value_);
-            return;
-        }
-        const bool replicates = job_.border.kind() == BorderReplicate;
-        repeat<kChannels>(row, replicates ? columnZero : value_, readableFrom_ - from_);
-        repeat<kChannels>(columnZero + readableTo_ * kChannels,
-                          replicates ? columnZero + (width - 1) * kChannels : value_, to_ - readableTo_);
-    }
-    template <int kChannels>
     static OKPCV_INLINE void repeat(Cell* to, const Cell* pixel, int64_t count) {
-        if (count == 0) return;  // the pixel may not be in the strip
         Cell value[kChannels];
         for (int c = 0; c < kChannels; ++c) value[c] = pixel[c];
         for (int64_t x = 0; x < count; ++x) {
             for (int c = 0; c < kChannels; ++c) to[x * kChannels + c] = value[c];
         }
+    }
+    // A column, without anything to be found out row by row.
+    template <int kChannels>
+    OKPCV_INLINE void extendColumn(int64_t x, int64_t first, int64_t end) const {
+        const int64_t source = job_.border.column(x, job_.size.width);
+        Cell* to = planeRow(0, first) + (x - from_) * kChannels;
+        const bool isValue = source == Border::kValue;
+        const Cell* pixel = isValue ? value_ : to + (source - x) * kChannels;
+        const int64_t step = isValue ? 0 : sizes_.window.step;
+        for (int64_t i = first; i < end; ++i, to += sizes_.window.step, pixel += step)
+            std::memcpy(to, pixel, sizeof(Cell) * kChannels);
     }
 
     Job<Pixel> job_;

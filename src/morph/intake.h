@@ -75,7 +75,7 @@ class RowIntake {
         takeMaximaOfCopies(y, 0, above, height);
         if (inside > above) {
             const Image<const Pixel> src{src_.row(y + above), src_.step};
-            if (!watchedFirst_) watchRows(src, height - 1);
+            if (!watchedFirst_) watchRows(src, size_.width, height - 1, watch_);
             watchedFirst_ = true;
             verticalMaxima(src, above, inside - above, height);
         }
@@ -95,7 +95,7 @@ class RowIntake {
                             static_cast<size_t>(size_.width) * sizeof(Pixel));
             }
         }
-        watchRows(copies_, copied);
+        watchRows(Image<const Pixel>(copies_), size_.width, copied, watch_);
         verticalMaxima(copies_, first, count, height);
     }
 
@@ -108,16 +108,6 @@ class RowIntake {
             combineTall<P>(Image<const Pixel>{src.row(i), src.step},
                            Image<Cell>{rows_.row(first + i), rows_.step}, size_.width,
                            std::min<int64_t>(height, count - i), height, watch_);
-        }
-    }
-
-    void watchRows(Image<const Pixel> src, int64_t count) {
-        if constexpr (!std::is_same_v<Watch, NoWatch>) {
-            for (int64_t i = 0; i < count; ++i) {
-                detail::coverRow<Vec<Pixel>::lanes, 1>(size_.width, [&](auto, auto extent, int64_t x) {
-                    watch_.see(load(src.row(i) + x, extent));
-                });
-            }
         }
     }
 

@@ -6,7 +6,7 @@
 // so that the blocks of any mask fit the size that the queries report.
 #pragma once
 
-#include <bit>
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -145,17 +145,29 @@ inline Slant findSlant(const MaskView& view) {
 }
 
 // The blocks and the cost of applying them, in quarters of a load per vector: four rows of output share the
-// rows of a tall block, and each length other than 1 needs a pass, which costs about two loads.
+// rows of a tall block, for which there is a loop. A length is combined of as many parts as the longest runs
+// before it need, or gets a plane of runs of its own.
 struct Cost {
-    int64_t blocks = 0, loads = 0;
-    uint64_t lengths = 0;  // a bit for each that occurs; one for all long ones
+    static constexpr int kLengths = 64;
+
+    int64_t blocks = 0;
+    int64_t loads[kLengths]{};  // by length; all long ones together
 
     void add(int64_t length, int64_t height) {
         ++blocks;
-        loads += height + 3;
-        if (length > 1) lengths |= uint64_t{1} << (length < 63 ? length : 63);
+        loads[length < kLengths ? length : kLengths - 1] += height + (height <= 3 ? 3 : 5);
     }
-    int64_t quarterLoads() const { return loads + 8 * std::popcount(lengths); }
+    int64_t quarterLoads() const {
+        int64_t sum = loads[1], longest = 1;
+        for (int64_t length = 2; length < kLengths; ++length) {
+            if (loads[length] == 0) continue;
+            const int64_t inParts = (length + longest - 1) / longest * loads[length];
+            const int64_t withPlane = loads[length] + (length <= 4 ? 12 : 16);
+            if (withPlane < inParts) longest = length;
+            sum += std::min(inParts, withPlane);
+        }
+        return sum;
+    }
 };
 
 }  // namespace detail
