@@ -100,14 +100,27 @@ bench::Work floatPass(int length) {
     return {.elements = 4, .multiplications = taps, .additions = taps - 1, .loads = taps, .stores = 1};
 }
 
-// The passes over bytes, over 16-bit elements and over columns of 16-bit row sums that sum in integers, where
-// that is exact: one instruction multiplies two taps and adds them. A load of the column pass serves two rows.
-bench::Work integerPass(double elements, double products, double loads, int length) {
-    const double pairs = (length + 1) / 2;
+// Passes that sum in integers, where that is exact. One instruction multiplies two taps and adds them.
+double pairsOf(int length) {
+    return (length + 1) / 2;
+}
+// Along a row of bytes, of which a vector has 16, or of words, 8.
+bench::Work integerRow(double elements, int length) {
+    const double pairs = pairsOf(length);
     return {.elements = elements,
-            .multiplications = products * pairs,
-            .additions = products * (pairs - 1),
-            .loads = loads * pairs,
+            .multiplications = 2 * pairs,
+            .others = 2 * (pairs - 1),
+            .loads = 2 * pairs,
+            .stores = 1};
+}
+// Down columns of 16-bit sums: two rows of output share the loads and what is interleaved, and the results are
+// shifted and packed.
+bench::Work integerColumn(int length) {
+    const double pairs = pairsOf(length);
+    return {.elements = 16,
+            .multiplications = 4 * pairs,
+            .others = 4 * (pairs - 1) + 2 * pairs + 7,
+            .loads = 2 * pairs,
             .stores = 1};
 }
 
@@ -115,8 +128,8 @@ bench::Work integerPass(double elements, double products, double loads, int leng
 template <class S, class K>
 bench::Work passes(int length) {
     if constexpr (sizeof(K) == 4) return floatPass(length) + floatPass(length);
-    if constexpr (sizeof(S) == 1) return integerPass(16, 2, 2, length) + integerPass(16, 4, 2, length);
-    return integerPass(8, 2, 2, length) + floatPass(length);
+    if constexpr (sizeof(S) == 1) return integerRow(16, length) + integerColumn(length);
+    return integerRow(8, length) + floatPass(length);
 }
 
 // V is what the export takes as border value: an element, or a pointer to one for each channel.

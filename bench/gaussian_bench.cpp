@@ -54,6 +54,39 @@ struct Areas {
     }
 };
 
+// One pass. Kernels are symmetric: floats and bytes are folded before they are multiplied, a product for every
+// two taps. Of integers one instruction multiplies two words and adds them, so words, which stay unfolded, take
+// as many; the words of two rows, or of two folded taps, must stand beside each other.
+template <class T>
+bench::Work pass(int length, bool along) {
+    const double taps = length, half = (length - 1) / 2;
+    if constexpr (sizeof(T) == 4) {
+        // Down the columns the rows that several outputs see can stay in registers.
+        return {.elements = 4,
+                .multiplications = half + 1,
+                .additions = taps - 1,
+                .loads = along ? taps : 1,
+                .stores = 1};
+    }
+    constexpr double shiftsAndPack = 3;
+    if constexpr (sizeof(T) == 1) {
+        // Three taps can be had from averages of bytes.
+        if (length == 3) return {.elements = 16, .others = 14, .loads = 3, .stores = 1};
+        const double pairs = (length - 1) / 4 + 1;
+        return {.elements = 8,
+                .multiplications = 2 * pairs,
+                .others = half + 2 * pairs + 2 * (pairs - 1) + shiftsAndPack,
+                .loads = along ? 1 : taps,
+                .stores = 1};
+    }
+    const double pairs = (length + 1) / 2;
+    return {.elements = 8,
+            .multiplications = 2 * pairs,
+            .others = 2 * pairs + shiftsAndPack + (along ? 2 : 2 * pairs),
+            .loads = taps,
+            .stores = 1};
+}
+
 // `call` runs an export on source, destination, region and areas.
 template <int kChannels, class T, class RoiT, class Call>
 Setup gaussian(Call call, int length) {
@@ -66,6 +99,7 @@ Setup gaussian(Call call, int length) {
         return Case{
             .reads = bytes,
             .writes = bytes,
+            .cycles = kChannels * (pass<T>(length, true) + pass<T>(length, false)).cyclesPerElement(),
             .ours = [=] { return call(src, dst, roi, areas); },
             .peerName = "cv::GaussianBlur",
             .peer = OPENCV(cv::GaussianBlur(src.mat(), theirs.mat(), {length, length},

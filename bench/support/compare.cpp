@@ -202,13 +202,19 @@ class LineReporter : public SilentReporter {
 
 Work Work::operator+(const Work& other) const {
     const double scale = elements / other.elements;
-    return {elements, multiplications + scale * other.multiplications, additions + scale * other.additions,
-            loads + scale * other.loads, stores + scale * other.stores};
+    return {elements,
+            multiplications + scale * other.multiplications,
+            additions + scale * other.additions,
+            others + scale * other.others,
+            loads + scale * other.loads,
+            stores + scale * other.stores};
 }
 
 double Work::cyclesPerElement() const {
-    const double all = multiplications + additions + loads + stores;
-    return std::max({multiplications / 2, additions / 2, loads / 2, stores, all / 6}) / elements;
+    const double onVectors = multiplications + additions + others;
+    return std::max({multiplications / 2, additions / 2, onVectors / 4, loads / 2, stores,
+                     (onVectors + loads + stores) / 6}) /
+           elements;
 }
 
 double median(std::vector<double> values) {

@@ -42,14 +42,18 @@ namespace bench {
 
 using Call = std::function<okpStatus()>;
 
-// Vector operations that an operation's definition cannot do without, on vectors of 16 bytes: so many for each
-// `elements` elements of the destination.
+// Vector operations that an operation cannot do without, on vectors of 16 bytes: so many for each `elements`
+// elements of the destination.
 struct Work {
-    double elements = 1, multiplications = 0, additions = 0, loads = 0, stores = 0;
+    double elements = 1;
+    double multiplications = 0;
+    double additions = 0;  // of floats
+    double others = 0;     // additions of integers, shifts, moves of lanes
+    double loads = 0, stores = 0;
 
     Work operator+(const Work& other) const;  // on the same elements
-    // At least, on a core that starts two multiplications, two additions, two loads and one store in a cycle,
-    // and six operations in all.
+    // At least, on a core that starts six operations in a cycle: four of vectors, of which two can be
+    // multiplications and two additions of floats, and among the rest two loads and one store.
     double cyclesPerElement() const;
 };
 

@@ -90,13 +90,13 @@ Description describeMachine() {
 
 const char kBoundPreface[] =
     "\n"
-    "*Bound* is the time that the vector operations of a definition take at least, where it was worked out "
-    "(the\n"
-    "benchmark's source says how), on a core that starts two multiplications, two additions, two loads and "
-    "one\n"
-    "store of 16 bytes in a cycle, and six operations in all; the length of a cycle is measured in the same "
-    "run.\n"
-    "*Of it* is our time over the bound.\n";
+    "*Bound* is the time that the vector operations of a filter take at least, where it was worked out (the\n"
+    "benchmark's source says how), on a core that starts six operations in a cycle: four on vectors of 16 "
+    "bytes, of\n"
+    "which two can be multiplications and two additions of floats, and among the rest two loads and one "
+    "store. The\n"
+    "length of a cycle is measured in the same run. *Of it* is our time over the bound.\n"
+    "\n";
 
 const char kPreface[] =
     "Every case measures the library (ours), where there is one the same operation of OpenCV (the peer), and "
@@ -234,7 +234,7 @@ void writeMarkdown(std::ostream& out, const Description& machine,
     out << "# Performance\n\n";
     for (const auto& [what, value] : machine) out << "- " << what << ": " << value << "\n";
     out << "\n"
-        << kPreface << kBoundPreface << "\n## Summary\n\n"
+        << kPreface << kBoundPreface << "## Summary\n\n"
         << "| family | cases | compared | smallest ratio | median ratio | below 1 | differing | failed |\n"
         << "|---|--:|--:|--:|--:|--:|--:|--:|\n";
     for (const auto& [family, results] : families) {
