@@ -79,6 +79,10 @@ struct EveryPixel {
             using U = UnsignedLane<T>;
             return {bitCast<T>(greaterEqual(laneNumbers<U>(), broadcast(static_cast<U>(part.count))))};
         }
+        template <int kPixels>
+        OKPCV_INLINE bool isEmpty(int64_t) const {
+            return false;
+        }
     };
     Row row(int64_t) const { return {}; }
 };
@@ -91,6 +95,15 @@ struct MaskedPixels {
         template <class T, class Extent>
         OKPCV_INLINE SomeLanes<T> lanes(int64_t x, Extent extent) const {
             return {unselected<T>(mask + x, extent)};
+        }
+        // Whether none of the pixels from x on takes part. Of fewer pixels than a mask's vector has, not found.
+        template <int kPixels>
+        OKPCV_INLINE bool isEmpty(int64_t x) const {
+            constexpr int kLanes = Vec<uint8_t>::lanes;
+            if constexpr (kPixels % kLanes != 0) return false;
+            Vec<uint8_t> any = load(mask + x);
+            for (int i = kLanes; i < kPixels; i += kLanes) any = any | load(mask + x + i);
+            return !anyBit(any);
         }
     };
     Row row(int64_t y) const { return {mask.row(y)}; }
@@ -164,6 +177,10 @@ OKPCV_INLINE void reduceRow(const R& reduction, typename R::Partials& partials, 
     };
     int64_t x = begin;
     for (; x + R::kStepPixels <= end; x += R::kStepPixels) {
+        // Floats are so wide that not to fetch those of an empty part of the mask pays for finding it.
+        if constexpr (kIsFloat<T>) {
+            if (selection.template isEmpty<R::kStepPixels>(x)) continue;
+        }
         unrolled<kVectors>([&](auto vector) OKPCV_INLINE_LAMBDA { addWhole(vector, x + vector * kLanes); });
     }
     int whole = 0;  // vectors of the last step that are whole
