@@ -29,7 +29,7 @@ okpStatus absDiffImages(Image<const T, Channels> src1, Image<const T, Channels> 
     if (checks.failed()) return checks.status();
 
     const auto kernel = [](auto extent, T* out, const T* a, const T* b) {
-        store(out, distance(held(load(a, extent)), held(load(b, extent))), extent);
+        store(out, distance(inRegister(load(a, extent)), inRegister(load(b, extent))), extent);
     };
     mapRows<Vec<T>::lanes>(Size(size.width * Channels, size.height), kernel, Image<T>{dst.data, dst.step},
                            Image<const T>{src1.data, src1.step}, Image<const T>{src2.data, src2.step});

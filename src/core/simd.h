@@ -249,10 +249,10 @@ OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
     }
 }
 
-// The same vector, kept in a register: compilers load once more what they use twice, where a copy would cost
-// less than the place of a load.
+// The same vector, kept in a register: left to themselves, compilers read a constant, or what was loaded, again
+// wherever it is used, and loads are what loops have too many of.
 template <class T>
-OKPCV_INLINE Vec<T> held(Vec<T> v) {
+OKPCV_INLINE Vec<T> inRegister(Vec<T> v) {
     __asm__("" : "+x"(v.raw));
     return v;
 }
@@ -537,14 +537,6 @@ OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
 }
 OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
     __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
-}
-
-// A constant, to be kept in a register: left to themselves, compilers read it again wherever it is used, and
-// loads are what loops have too many of.
-template <class T>
-OKPCV_INLINE Vec<T> inRegister(Vec<T> v) {
-    __asm__("" : "+x"(v.raw));
-    return v;
 }
 
 // a < b ? a : b, so b where the lanes are unordered or equal.

@@ -4,6 +4,7 @@
 #include "core/image.h"
 #include "core/simd.h"
 #include "core/unrolled.h"
+#include "core/with_constant.h"
 #include "filter/column_pass.h"
 #include "filter/column_stream.h"
 
@@ -96,27 +97,13 @@ void streamColumns(D* out, int64_t step, int64_t rowCount, const float* const* r
 // The code for a length that only the caller's data knows, or null.
 template <class D>
 ColumnStreamCode<D> selectColumnStream(int64_t length, bool symmetric) {
-    const auto code = [symmetric]<int Length>(std::integral_constant<int, Length>) {
-        return symmetric ? streamColumns<D, Length, true> : streamColumns<D, Length, false>;
-    };
-    switch (length) {
-        case 3:
-            return code(std::integral_constant<int, 3>{});
-        case 5:
-            return code(std::integral_constant<int, 5>{});
-        case 7:
-            return code(std::integral_constant<int, 7>{});
-        case 9:
-            return code(std::integral_constant<int, 9>{});
-        case 11:
-            return code(std::integral_constant<int, 11>{});
-        case 13:
-            return code(std::integral_constant<int, 13>{});
-        case 15:
-            return code(std::integral_constant<int, 15>{});
-        default:
+    return withConstant<3, 5, 7, 9, 11, 13, 15>(length, [symmetric](auto known) -> ColumnStreamCode<D> {
+        if constexpr (known == 0) {
             return nullptr;
-    }
+        } else {
+            return symmetric ? streamColumns<D, known, true> : streamColumns<D, known, false>;
+        }
+    });
 }
 
 }  // namespace okpcv

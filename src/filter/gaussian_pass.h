@@ -12,6 +12,7 @@
 #include "core/numbers.h"
 #include "core/simd.h"
 #include "core/unrolled.h"
+#include "core/with_constant.h"
 #include "filter/integer_pass.h"
 #include "filter/weighted_sum.h"
 
@@ -48,18 +49,7 @@ OKPCV_INLINE void forRowLoads(int64_t x, Extent, const Run& run) {
 // Calls run(std::integral_constant) with the length if code is dedicated to it, with 0 otherwise.
 template <class Run>
 OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
-    switch (length) {
-        case 3:
-            return run(std::integral_constant<int, 3>{});
-        case 5:
-            return run(std::integral_constant<int, 5>{});
-        case 7:
-            return run(std::integral_constant<int, 7>{});
-        case 9:
-            return run(std::integral_constant<int, 9>{});
-        default:
-            return run(std::integral_constant<int, 0>{});
-    }
+    withConstant<3, 5, 7, 9>(length, run);
 }
 
 // ---- 8-bit images ---------------------------------------------------------------------------------------
@@ -353,9 +343,13 @@ struct ByteRowPass {
     const ByteTaps& taps;
 
     __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
-        if (Channels == 1 && taps.half() == 5) return run<11>(out, in, count);
-        withGaussianLength(2 * taps.half() + 1,
-                           [&](auto length) OKPCV_INLINE_LAMBDA { run<length>(out, in, count); });
+        const auto runLength = [&](auto length) OKPCV_INLINE_LAMBDA { run<length>(out, in, count); };
+        const int64_t length = 2 * taps.half() + 1;
+        if constexpr (Channels == 1) {
+            withConstant<3, 5, 7, 9, 11>(length, runLength);
+        } else {
+            withGaussianLength(length, runLength);
+        }
     }
 
   private:

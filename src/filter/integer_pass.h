@@ -8,6 +8,7 @@
 #include "core/image.h"
 #include "core/simd.h"
 #include "core/unrolled.h"
+#include "core/with_constant.h"
 #include "filter/results.h"
 #include "filter/weighted_sum.h"
 
@@ -110,18 +111,7 @@ struct IntegerRowPass {
     template <class Out, class S>
     __attribute__((noinline)) void operator()(Out* out, const S* in, int64_t count) const {
         // The lengths whose coefficients fit in registers.
-        switch (length) {
-            case 3:
-                return run<3>(out, in, count);
-            case 5:
-                return run<5>(out, in, count);
-            case 7:
-                return run<7>(out, in, count);
-            case 9:
-                return run<9>(out, in, count);
-            default:
-                return run<0>(out, in, count);
-        }
+        withConstant<3, 5, 7, 9>(length, [&](auto known) OKPCV_INLINE_LAMBDA { run<known>(out, in, count); });
     }
 
   private:
@@ -220,24 +210,13 @@ struct IntegerColumnPass {
 
     __attribute__((noinline)) void operator()(D* out, int64_t step, int64_t outRows,
                                               const int16_t* const* rows, int64_t count) const {
-        switch (length) {
-            case 3:
-                return run(FixedPairs<3>(kernel), out, step, outRows, rows, count);
-            case 5:
-                return run(FixedPairs<5>(kernel), out, step, outRows, rows, count);
-            case 7:
-                return run(FixedPairs<7>(kernel), out, step, outRows, rows, count);
-            case 9:
-                return run(FixedPairs<9>(kernel), out, step, outRows, rows, count);
-            case 11:
-                return run(FixedPairs<11>(kernel), out, step, outRows, rows, count);
-            case 13:
-                return run(FixedPairs<13>(kernel), out, step, outRows, rows, count);
-            case 15:
-                return run(FixedPairs<15>(kernel), out, step, outRows, rows, count);
-            default:
-                return run(AnyPairs(kernel, length), out, step, outRows, rows, count);
-        }
+        withConstant<3, 5, 7, 9, 11, 13, 15>(length, [&](auto known) OKPCV_INLINE_LAMBDA {
+            if constexpr (known != 0) {
+                run(FixedPairs<known>(kernel), out, step, outRows, rows, count);
+            } else {
+                run(AnyPairs(kernel, length), out, step, outRows, rows, count);
+            }
+        });
     }
 
   private:
@@ -430,18 +409,14 @@ class AnyWrappingTaps {
 
 template <class Run>
 OKPCV_INLINE void withWrappingTaps(const WrappingKernel& kernel, const Run& run) {
-    switch (kernel.symmetric() ? kernel.length() : 0) {
-        case 3:
-            return run(FixedWrappingTaps<3>(kernel));
-        case 5:
-            return run(FixedWrappingTaps<5>(kernel));
-        case 7:
-            return run(FixedWrappingTaps<7>(kernel));
-        case 9:
-            return run(FixedWrappingTaps<9>(kernel));
-        default:
-            return run(AnyWrappingTaps(kernel));
-    }
+    const int64_t length = kernel.symmetric() ? kernel.length() : 0;
+    withConstant<3, 5, 7, 9>(length, [&](auto known) OKPCV_INLINE_LAMBDA {
+        if constexpr (known != 0) {
+            run(FixedWrappingTaps<known>(kernel));
+        } else {
+            run(AnyWrappingTaps(kernel));
+        }
+    });
 }
 
 // A kernel as a sum of terms, each of which weighs two neighbouring taps with 8-bit coefficients so small that
@@ -509,24 +484,13 @@ struct PairedRowPass {
     int16_t start;
 
     __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
-        switch (kernel.terms()) {
-            case 2:
-                return run(FixedTerms<2>(kernel), out, in, count);
-            case 3:
-                return run(FixedTerms<3>(kernel), out, in, count);
-            case 4:
-                return run(FixedTerms<4>(kernel), out, in, count);
-            case 5:
-                return run(FixedTerms<5>(kernel), out, in, count);
-            case 6:
-                return run(FixedTerms<6>(kernel), out, in, count);
-            case 7:
-                return run(FixedTerms<7>(kernel), out, in, count);
-            case 8:
-                return run(FixedTerms<8>(kernel), out, in, count);
-            default:
-                return run(AnyTerms(kernel), out, in, count);
-        }
+        withConstant<2, 3, 4, 5, 6, 7, 8>(kernel.terms(), [&](auto known) OKPCV_INLINE_LAMBDA {
+            if constexpr (known != 0) {
+                run(FixedTerms<known>(kernel), out, in, count);
+            } else {
+                run(AnyTerms(kernel), out, in, count);
+            }
+        });
     }
 
   private:

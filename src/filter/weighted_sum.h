@@ -14,6 +14,7 @@
 #include <type_traits>
 
 #include "core/simd.h"
+#include "core/with_constant.h"
 
 namespace okpcv {
 
@@ -107,18 +108,13 @@ class AnyTaps {
 // Calls run(taps) with the code for the kernel's length.
 template <class K, class Run>
 OKPCV_INLINE void withTaps(const K* kernel, int64_t length, const Run& run) {
-    switch (length) {
-        case 3:
-            return run(FixedTaps<3>(kernel));
-        case 5:
-            return run(FixedTaps<5>(kernel));
-        case 7:
-            return run(FixedTaps<7>(kernel));
-        case 9:
-            return run(FixedTaps<9>(kernel));
-        default:
-            return run(AnyTaps<K>(kernel, length));
-    }
+    withConstant<3, 5, 7, 9>(length, [&](auto known) OKPCV_INLINE_LAMBDA {
+        if constexpr (known != 0) {
+            run(FixedTaps<known>(kernel));
+        } else {
+            run(AnyTaps<K>(kernel, length));
+        }
+    });
 }
 
 // Computes `count` elements: blocks of several vectors while they last, then single vectors, the last of
