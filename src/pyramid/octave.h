@@ -1,7 +1,7 @@
 // The fast path of pyramid layers: rate 2 and the binomial kernel 1 4 6 4 1 / 16 (P. J. Burt, E. H. Adelson,
 // "The Laplacian pyramid as a compact image code", 1983). Columns first: the rows that an output row sees
 // become one line of sums, whose mirrored ends are added; then every second pixel of the line is filtered, or
-// every pixel twice, and stored.
+// every pixel twice, and stored. Smaller levels of 16-bit images of one channel take their rows first.
 //
 // Sums of 8- and 16-bit images are integers, in lanes of twice the width, and hold every value exactly; so
 // the results are those of single precision, which holds them too. Sums of floats take their terms in kernel
@@ -148,7 +148,7 @@ OKPCV_INLINE void storePixels(D* out, Vec<D> pixels, int64_t count) {
 
 // Whether sums of even and of odd columns are kept apart: so no lane has to move when every second is taken.
 template <int Channels, class T>
-inline constexpr bool kSplitsColumns = Channels == 1 && sizeof(T) == 4;
+inline constexpr bool kSplitsColumns = Channels == 1 && kIsFloat<T>;
 
 // The sums at pixel x of a tile's line.
 template <int Channels, class T>
@@ -189,24 +189,13 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
         mapColumns<2 * lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
             Vec<T> low[inputs], high[inputs];
             const auto loadRow = [&](auto i) OKPCV_INLINE_LAMBDA {
-                low[i] = bitCast<T>(load(in[i] + x, extent));
-                if constexpr (kIsFloat<S>) {
-                    high[i] = load(in[i] + x + lanes, extent.from(lanes));
-                } else {
-                    high[i] = bitCast<T>(shiftRight(bitCast<uint32_t>(low[i]), 16));
-                }
+                low[i] = load(in[i] + x, extent);
+                high[i] = load(in[i] + x + lanes, extent.from(lanes));
             };
             forRows(loadRow, [&](auto r) OKPCV_INLINE_LAMBDA {
                 const Vec<T> a = sum(low, r), b = sum(high, r);
-                // Of integers, two to a lane, the sum of the lanes is that of the low ones and 2^16 times
-                // that of the high ones.
-                if constexpr (kIsFloat<S>) {
-                    store(out[r] + x / 2, evenLanes(a, b));
-                    store(out[r] + x / 2 + odd, oddLanes(a, b));
-                } else {
-                    store(out[r] + x / 2, a - shiftLeft(b, 16));
-                    store(out[r] + x / 2 + odd, b);
-                }
+                store(out[r] + x / 2, evenLanes(a, b));
+                store(out[r] + x / 2 + odd, oddLanes(a, b));
             });
         });
     } else {
@@ -248,13 +237,8 @@ void octaveLineDown(D* out, int64_t width, const T* line) {
             const T* const odd = even + OctaveLines<T>::odd;
             return rounded<8>(binomial(load(even - 1), load(odd - 1), load(even), load(odd), load(even + 1)));
         };
-        mapColumns<Vec<D>::lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            if constexpr (kIsFloat<D>) {
-                store(out + x, filtered(x), extent);
-            } else {
-                store(out + x, narrowFitting<D>(filtered(x), filtered(x + lanes)), extent);
-            }
-        });
+        mapColumns<lanes>(
+            width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA { store(out + x, filtered(x), extent); });
     } else {
         // Sums of columns fit signed 16 bits; pairs of products are added as 32.
         static_assert(sizeof(T) == 2);
@@ -307,6 +291,87 @@ void octaveRowsDown(const Image<const S, Channels>& src, Size srcSize, const Ima
         }
     }
 }
+
+// ---- Smaller levels of 16-bit images of one channel -------------------------------------------------------
+// Their rows come first, since a multiply-add takes two pixels to the sum of a pixel of the smaller level:
+// about 11 instructions for eight source pixels, and half as many to add the sums of five rows.
+
+// What signed multiply-adds leave out of a pixel, and out of a row's sum, in which one pixel is added as it is.
+inline constexpr int32_t kSignedBias = 32768;
+inline constexpr int32_t kRowSumBias = (1 + 4 + 6 + 4) * kSignedBias;
+
+// The sums, less kRowSumBias, of a source row for `count` pixels of the smaller level, from pixel `first` on.
+__attribute__((noinline)) inline void octaveRowSums(int32_t* out, const uint16_t* row, int64_t srcWidth,
+                                                    int64_t first, int64_t count) {
+    constexpr int lanes = Vec<int32_t>::lanes;
+    const Vec<uint16_t> bias = broadcast(static_cast<uint16_t>(kSignedBias));
+    const Vec<int16_t> weights0 = bitCast<int16_t>(broadcast(0x00040001));
+    const Vec<int16_t> weights2 = bitCast<int16_t>(broadcast(0x00040006));
+    const auto sumVector = [&](int64_t x) OKPCV_INLINE_LAMBDA {
+        const uint16_t* const p = row + 2 * x;
+        const auto pairs = [&](int i, Vec<int16_t> weights) OKPCV_INLINE_LAMBDA {
+            return mulAddPairs(bitCast<int16_t>(load(p + i) ^ bias), weights);
+        };
+        const auto last = bitCast<int32_t>(shiftRight(bitCast<uint32_t>(load(p + 1)), 16));
+        store(out + (x - first), pairs(-2, weights0) + pairs(0, weights2) + last);
+    };
+    const auto sumPixels = [&](int64_t x, int64_t end) {
+        for (; x < end; ++x) {
+            constexpr int32_t weights[] = {1, 4, 6, 4, 1};
+            int32_t sum = -kRowSumBias;
+            for (int i = 0; i < 5; ++i) {
+                sum += weights[i] * loadScalar<uint16_t>(row + mirroredPixel(2 * x + i - 2, srcWidth, 1));
+            }
+            out[x - first] = sum;
+        }
+    };
+
+    // Where the first and the last vector stand that see pixels of the row alone.
+    const int64_t end = first + count;
+    const int64_t firstVector = std::max<int64_t>(first, 1);
+    const int64_t lastVector = std::min(end - lanes, (srcWidth - 2 * lanes - 1) / 2);
+    if (lastVector < firstVector) return sumPixels(first, end);
+    sumPixels(first, firstVector);
+    sumVector(firstVector);
+    const int64_t second = first + lanes;
+    mapColumns<lanes>(lastVector + lanes - second, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        sumVector(std::is_same_v<decltype(extent), Part> ? lastVector : second + x);
+    });
+    sumPixels(lastVector + lanes, end);
+}
+
+// The row sums that two rows of the smaller level see.
+inline constexpr int kOctaveRowSums = 7;
+
+// `Rows` rows of the smaller level from the sums of the source rows.
+template <int Rows>
+__attribute__((noinline)) void octaveMeans(const Image<uint16_t>& dst, int64_t width,
+                                           const int32_t* const* sums) {
+    constexpr int lanes = Vec<int32_t>::lanes;
+    constexpr int inputs = 2 * Rows + 3;
+    static_assert(inputs <= kOctaveRowSums);
+    const int32_t* in[inputs];  // as locals, which no store can change
+    std::copy(sums, sums + inputs, in);
+    uint16_t* out[Rows];
+    for (int r = 0; r < Rows; ++r) out[r] = dst.row(r);
+    mapColumns<2 * lanes>(width, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        Vec<int32_t> means[Rows][2];
+        unrolled<2>([&](auto half) OKPCV_INLINE_LAMBDA {
+            Vec<int32_t> v[inputs];
+            unrolled<inputs>([&](auto i)
+                                 OKPCV_INLINE_LAMBDA { v[i] = loadAligned(in[i] + x + half * lanes); });
+            unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA {
+                const auto sum = binomial(v[2 * r], v[2 * r + 1], v[2 * r + 2], v[2 * r + 3], v[2 * r + 4]);
+                means[r][half] = rounded<8>(sum + broadcast(16 * kRowSumBias));
+            });
+        });
+        unrolled<Rows>([&](auto r) OKPCV_INLINE_LAMBDA {
+            store(out[r] + x, narrowFitting<uint16_t>(means[r][0], means[r][1]), extent);
+        });
+    });
+}
+
+// ---- Larger levels ----------------------------------------------------------------------------------------
 
 // `width` pixels of the larger row.
 template <int Channels, class D, class T>
@@ -361,6 +426,30 @@ void octaveDown(const Image<const S, Channels>& src, Size srcSize, const Image<S
         detail::octaveRowsDown<kOctaveBatch>(src, srcSize, dst, dstSize.width, y, lines);
     }
     for (; y < dstSize.height; ++y) detail::octaveRowsDown<1>(src, srcSize, dst, dstSize.width, y, lines);
+}
+
+inline void octaveDown(const Image<const uint16_t>& src, Size srcSize, const Image<uint16_t>& dst,
+                       Size dstSize, const OctaveLines<int32_t>& lines) {
+    for (int64_t x = 0; x < dstSize.width; x += kOctaveTile) {
+        const int64_t width = std::min(dstSize.width - x, kOctaveTile);
+        // Of the source rows from 2 * y - 2 on.
+        int32_t* sums[detail::kOctaveRowSums];
+        for (int i = 0; i < detail::kOctaveRowSums; ++i) {
+            sums[i] = lines.line[i / 2] + i % 2 * OctaveLines<int32_t>::odd;
+        }
+        const auto sumRow = [&](int32_t* out, int64_t y) {
+            detail::octaveRowSums(out, src.row(mirroredPixel(y, srcSize.height, 1)), srcSize.width, x, width);
+        };
+        for (int i = 0; i < 3; ++i) sumRow(sums[i], i - 2);
+        int64_t y = 0;
+        const auto makeRows = [&](auto rows) {
+            for (int i = 3; i < 2 * rows + 3; ++i) sumRow(sums[i], 2 * y - 2 + i);
+            detail::octaveMeans<rows>({dst.row(y) + x, dst.step}, width, sums);
+            std::rotate(sums, sums + 2 * rows, sums + detail::kOctaveRowSums);
+        };
+        for (; y + 2 <= dstSize.height; y += 2) makeRows(std::integral_constant<int, 2>{});
+        if (y < dstSize.height) makeRows(std::integral_constant<int, 1>{});
+    }
 }
 
 template <class S, int Channels>
