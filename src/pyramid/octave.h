@@ -32,30 +32,32 @@ using OctaveSum = std::conditional_t<std::is_same_v<S, uint8_t>, uint16_t,
 
 // Rows of a smaller level that are made together: they share the source rows that several of them see.
 inline constexpr int kOctaveBatch = 4;
-// Pixels of them that are made together: few enough for their lines to stay in the near caches, and enough
-// for the prefetchers to follow the source rows.
-inline constexpr int64_t kOctaveTile = 1024;
 
-// Lines of sums. A smaller level takes a line for each row of a batch, of a tile's source pixels; a larger
-// one takes two, of all pixels of a source row.
+// Lines of sums, of all pixels of a source row. A smaller level takes one for each row of a batch, a larger
+// one takes two.
 template <class T>
 struct OctaveLines {
     T* line[kOctaveBatch];
+    // From the pixels of even number to those of odd number, where these have a line of their own.
+    int64_t odd;
 
     // Elements before a line and behind it: mirrored pixels, and what whole vectors read beyond them.
     static constexpr int64_t margin = 8;
     static constexpr int64_t slack = 64;
-    // From the pixels of even number to those of odd number, where these have a line of their own.
-    static constexpr int64_t odd = kOctaveTile + slack;
 };
 
 template <class T>
 OctaveLines<T> layOutOctave(Area& area, int channels, int64_t width, int phases) {
     using Lines = OctaveLines<T>;
-    OctaveLines<T> lines{};
-    int64_t count = 2 * (kOctaveTile + Lines::slack) * channels;
-    const bool fits = phases == 1 || (multiplyChecked(width, channels, count) &&
-                                      addChecked(count, Lines::margin + Lines::slack, count));
+    Lines lines{};
+    // An odd number of cache lines, so that what stands at one column shares no place in the nearest cache; and
+    // lines well apart, without which long rows out of the caches were measured to take a fifth longer.
+    constexpr int64_t cacheLine = 64 / sizeof(T), apart = 16 * cacheLine;
+    lines.odd = (width / 2 + 1 + Lines::slack) / (2 * cacheLine) * (2 * cacheLine) + cacheLine + apart;
+    int64_t count = 0;
+    const bool fits = phases == 1 ? multiplyChecked(2 * channels, lines.odd, count)
+                                  : multiplyChecked(width, channels, count) &&
+                                        addChecked(count, Lines::margin + Lines::slack, count);
     for (int i = 0; i < (phases == 1 ? kOctaveBatch : 2); ++i) {
         lines.line[i] = area.take<T>(fits ? count : -1, kVectorBytes);
         if (lines.line[i] != nullptr) lines.line[i] += Lines::margin;
@@ -150,25 +152,23 @@ OKPCV_INLINE void storePixels(D* out, Vec<D> pixels, int64_t count) {
 template <int Channels, class T>
 inline constexpr bool kSplitsColumns = Channels == 1 && kIsFloat<T>;
 
-// The sums at pixel x of a tile's line.
+// The sums at pixel x of a line.
 template <int Channels, class T>
-OKPCV_INLINE T* pixelOfLine(T* line, int64_t x) {
+OKPCV_INLINE T* pixelOfLine(T* line, int64_t x, int64_t odd) {
     if constexpr (kSplitsColumns<Channels, T>) {
-        return line + (x >> 1) + (x & 1) * OctaveLines<T>::odd;
+        return line + (x >> 1) + (x & 1) * odd;
     } else {
         return line + x * Channels;
     }
 }
 
-// The line of each of `Rows` output rows, at pixels `from` to `to` - 1 of the source; pixel `origin`, an even
-// number of pixels from the first, is the line's pixel 0.
+// The line of each of `Rows` output rows, of `width` source pixels.
 template <int Rows, int Channels, class S, class T>
-void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_t from, int64_t to,
-                       int64_t origin) {
+void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_t width) {
     constexpr int lanes = Vec<T>::lanes;
     constexpr int inputs = 2 * Rows + 3;
     T* out[Rows];
-    for (int r = 0; r < Rows; ++r) out[r] = pixelOfLine<Channels>(lines.line[r], from - origin);
+    std::copy(lines.line, lines.line + Rows, out);
     const auto sum = [](const Vec<T>(&v)[inputs], auto r) OKPCV_INLINE_LAMBDA {
         return binomial(v[2 * r], v[2 * r + 1], v[2 * r + 2], v[2 * r + 3], v[2 * r + 4]);
     };
@@ -182,10 +182,10 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
         });
     };
     const S* in[inputs];  // as locals, which no store can change
-    for (int i = 0; i < inputs; ++i) in[i] = rows[i] + from * Channels;
-    const int64_t count = (to - from) * Channels;
+    std::copy(rows, rows + inputs, in);
+    const int64_t count = width * Channels;
     if constexpr (kSplitsColumns<Channels, T>) {
-        constexpr int64_t odd = OctaveLines<T>::odd;
+        const int64_t odd = lines.odd;
         mapColumns<2 * lanes>(count, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
             Vec<T> low[inputs], high[inputs];
             const auto loadRow = [&](auto i) OKPCV_INLINE_LAMBDA {
@@ -207,9 +207,9 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
     }
 }
 
-// `width` pixels of a row of a tile.
+// `width` pixels of a row of the smaller level.
 template <int Channels, class D, class T>
-void octaveLineDown(D* out, int64_t width, const T* line) {
+void octaveLineDown(D* out, int64_t width, const T* line, [[maybe_unused]] int64_t fromEvenToOdd) {
     constexpr int lanes = Vec<T>::lanes;
     if constexpr (Channels == 3) {
         const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
@@ -234,7 +234,7 @@ void octaveLineDown(D* out, int64_t width, const T* line) {
     } else if constexpr (kSplitsColumns<Channels, T>) {
         const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
             const T* const even = line + x;
-            const T* const odd = even + OctaveLines<T>::odd;
+            const T* const odd = even + fromEvenToOdd;
             return rounded<8>(binomial(load(even - 1), load(odd - 1), load(even), load(odd), load(even + 1)));
         };
         mapColumns<lanes>(
@@ -269,26 +269,14 @@ void octaveRowsDown(const Image<const S, Channels>& src, Size srcSize, const Ima
     for (int i = 0; i < 2 * Rows + 3; ++i) {
         rows[i] = src.row(mirroredPixel(2 * (y - 1) + i, srcSize.height, 1));
     }
-    for (int64_t x = 0; x < dstWidth; x += kOctaveTile) {
-        const int64_t left = dstWidth - x;
-        const int64_t width = left < kOctaveTile ? left : kOctaveTile;
-        const int64_t origin = 2 * x, end = 2 * (x + width) + 1;
-        const int64_t from = x == 0 ? 0 : origin - 2;
-        const int64_t to = end < srcSize.width ? end : srcSize.width;
-        octaveColumnsDown<Rows, Channels>(lines, rows, from, to, origin);
-        for (int r = 0; r < Rows; ++r) {
-            T* const line = lines.line[r];
-            const auto mirror = [&](int64_t at, int64_t last) {
-                for (; at < last; ++at) {
-                    const T* const source =
-                        pixelOfLine<Channels>(line, mirroredPixel(at, srcSize.width, 1) - origin);
-                    std::copy(source, source + Channels, pixelOfLine<Channels>(line, at - origin));
-                }
-            };
-            mirror(origin - 2, from);
-            mirror(to, end);
-            octaveLineDown<Channels>(dst.row(y + r) + x * Channels, width, line);
+    octaveColumnsDown<Rows, Channels>(lines, rows, srcSize.width);
+    for (int r = 0; r < Rows; ++r) {
+        const auto pixel = [&](int64_t x) { return pixelOfLine<Channels>(lines.line[r], x, lines.odd); };
+        for (const int64_t x : {int64_t{-2}, int64_t{-1}, srcSize.width, srcSize.width + 1}) {
+            const T* const source = pixel(mirroredPixel(x, srcSize.width, 1));
+            std::copy(source, source + Channels, pixel(x));
         }
+        octaveLineDown<Channels>(dst.row(y + r), dstWidth, lines.line[r], lines.odd);
     }
 }
 
@@ -300,9 +288,9 @@ void octaveRowsDown(const Image<const S, Channels>& src, Size srcSize, const Ima
 inline constexpr int32_t kSignedBias = 32768;
 inline constexpr int32_t kRowSumBias = (1 + 4 + 6 + 4) * kSignedBias;
 
-// The sums, less kRowSumBias, of a source row for `count` pixels of the smaller level, from pixel `first` on.
-__attribute__((noinline)) inline void octaveRowSums(int32_t* out, const uint16_t* row, int64_t srcWidth,
-                                                    int64_t first, int64_t count) {
+// The sums, less kRowSumBias, of a source row for `width` pixels of the smaller level.
+__attribute__((noinline)) inline void octaveRowSums(int32_t* out, int64_t width, const uint16_t* row,
+                                                    int64_t srcWidth) {
     constexpr int lanes = Vec<int32_t>::lanes;
     const Vec<uint16_t> bias = broadcast(static_cast<uint16_t>(kSignedBias));
     const Vec<int16_t> weights0 = bitCast<int16_t>(broadcast(0x00040001));
@@ -313,7 +301,7 @@ __attribute__((noinline)) inline void octaveRowSums(int32_t* out, const uint16_t
             return mulAddPairs(bitCast<int16_t>(load(p + i) ^ bias), weights);
         };
         const auto last = bitCast<int32_t>(shiftRight(bitCast<uint32_t>(load(p + 1)), 16));
-        store(out + (x - first), pairs(-2, weights0) + pairs(0, weights2) + last);
+        store(out + x, pairs(-2, weights0) + pairs(0, weights2) + last);
     };
     const auto sumPixels = [&](int64_t x, int64_t end) {
         for (; x < end; ++x) {
@@ -322,22 +310,20 @@ __attribute__((noinline)) inline void octaveRowSums(int32_t* out, const uint16_t
             for (int i = 0; i < 5; ++i) {
                 sum += weights[i] * loadScalar<uint16_t>(row + mirroredPixel(2 * x + i - 2, srcWidth, 1));
             }
-            out[x - first] = sum;
+            out[x] = sum;
         }
     };
 
     // Where the first and the last vector stand that see pixels of the row alone.
-    const int64_t end = first + count;
-    const int64_t firstVector = std::max<int64_t>(first, 1);
-    const int64_t lastVector = std::min(end - lanes, (srcWidth - 2 * lanes - 1) / 2);
-    if (lastVector < firstVector) return sumPixels(first, end);
-    sumPixels(first, firstVector);
+    const int64_t firstVector = 1;
+    const int64_t lastVector = std::min(width - lanes, (srcWidth - 2 * lanes - 1) / 2);
+    if (lastVector < firstVector) return sumPixels(0, width);
+    sumPixels(0, firstVector);
     sumVector(firstVector);
-    const int64_t second = first + lanes;
-    mapColumns<lanes>(lastVector + lanes - second, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-        sumVector(std::is_same_v<decltype(extent), Part> ? lastVector : second + x);
+    mapColumns<lanes>(lastVector, [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        sumVector(std::is_same_v<decltype(extent), Part> ? lastVector : x + lanes);
     });
-    sumPixels(lastVector + lanes, end);
+    sumPixels(lastVector + lanes, width);
 }
 
 // The row sums that two rows of the smaller level see.
@@ -430,26 +416,22 @@ void octaveDown(const Image<const S, Channels>& src, Size srcSize, const Image<S
 
 inline void octaveDown(const Image<const uint16_t>& src, Size srcSize, const Image<uint16_t>& dst,
                        Size dstSize, const OctaveLines<int32_t>& lines) {
-    for (int64_t x = 0; x < dstSize.width; x += kOctaveTile) {
-        const int64_t width = std::min(dstSize.width - x, kOctaveTile);
-        // Of the source rows from 2 * y - 2 on.
-        int32_t* sums[detail::kOctaveRowSums];
-        for (int i = 0; i < detail::kOctaveRowSums; ++i) {
-            sums[i] = lines.line[i / 2] + i % 2 * OctaveLines<int32_t>::odd;
-        }
-        const auto sumRow = [&](int32_t* out, int64_t y) {
-            detail::octaveRowSums(out, src.row(mirroredPixel(y, srcSize.height, 1)), srcSize.width, x, width);
-        };
-        for (int i = 0; i < 3; ++i) sumRow(sums[i], i - 2);
-        int64_t y = 0;
-        const auto makeRows = [&](auto rows) {
-            for (int i = 3; i < 2 * rows + 3; ++i) sumRow(sums[i], 2 * y - 2 + i);
-            detail::octaveMeans<rows>({dst.row(y) + x, dst.step}, width, sums);
-            std::rotate(sums, sums + 2 * rows, sums + detail::kOctaveRowSums);
-        };
-        for (; y + 2 <= dstSize.height; y += 2) makeRows(std::integral_constant<int, 2>{});
-        if (y < dstSize.height) makeRows(std::integral_constant<int, 1>{});
-    }
+    // Of the source rows from 2 * y - 2 on.
+    int32_t* sums[detail::kOctaveRowSums];
+    for (int i = 0; i < detail::kOctaveRowSums; ++i) sums[i] = lines.line[i / 2] + i % 2 * lines.odd;
+    const auto sumRow = [&](int32_t* out, int64_t y) {
+        const uint16_t* const row = src.row(mirroredPixel(y, srcSize.height, 1));
+        detail::octaveRowSums(out, dstSize.width, row, srcSize.width);
+    };
+    for (int i = 0; i < 3; ++i) sumRow(sums[i], i - 2);
+    int64_t y = 0;
+    const auto makeRows = [&](auto rows) {
+        for (int i = 3; i < 2 * rows + 3; ++i) sumRow(sums[i], 2 * y - 2 + i);
+        detail::octaveMeans<rows>({dst.row(y), dst.step}, dstSize.width, sums);
+        std::rotate(sums, sums + 2 * rows, sums + detail::kOctaveRowSums);
+    };
+    for (; y + 2 <= dstSize.height; y += 2) makeRows(std::integral_constant<int, 2>{});
+    if (y < dstSize.height) makeRows(std::integral_constant<int, 1>{});
 }
 
 template <class S, int Channels>
