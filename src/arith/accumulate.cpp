@@ -79,13 +79,17 @@ OKPCV_INLINE Vec<S> loadSelected(const S* source, const uint8_t* mask, Extent ex
 
 enum class Stores { Ordinary, Streamed };
 
-template <int kPixels, class Kernel, class... T>
-void accumulateRows(Stores stores, Size size, const Kernel& kernel, Image<float> dst,
-                    const Image<T>&... sources) {
+// Beside sources of bytes the accumulator is most of what is read.
+template <class S>
+constexpr Fetch kFetch = sizeof(S) == 1 ? Fetch::FirstAhead : Fetch::AsItComes;
+
+template <int kPixels, class Kernel, class S, class... T>
+void accumulateRows(Stores stores, Size size, const Kernel& kernel, Image<float> dst, Image<const S> source,
+                    const Image<T>&... others) {
     if (stores == Stores::Streamed) {
-        mapRowsStreamed<kPixels>(size, kernel, dst, sources...);
+        mapRowsStreamed<kPixels, kFetch<S>>(size, kernel, dst, source, others...);
     } else {
-        mapRows<kPixels>(size, kernel, dst, sources...);
+        mapRows<kPixels, kFetch<S>>(size, kernel, dst, source, others...);
     }
 }
 
@@ -106,7 +110,7 @@ okpStatus addTerm(Image<const S> src, Image<float> dst, RoiSize roiSize, Term te
     const auto kernel = [term](auto extent, float* d, const S* s) {
         addTo(d, term(loadAs<float>(s, extent)), extent);
     };
-    mapRows<kLanes>(size, kernel, dst, src);
+    mapRows<kLanes, kFetch<S>>(size, kernel, dst, src);
     return okpStatusOk;
 }
 
@@ -140,7 +144,7 @@ okpStatus addProduct(Image<const S> src1, Image<const S> src2, Image<float> dst,
     const auto kernel = [](auto extent, float* d, const S* s, const S* t) {
         addTo(d, product(load(s, extent), load(t, extent)), extent);
     };
-    mapRows<Vec<S>::lanes>(size, kernel, dst, src1, src2);
+    mapRows<Vec<S>::lanes, kFetch<S>>(size, kernel, dst, src1, src2);
     return okpStatusOk;
 }
 
@@ -177,7 +181,7 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
         const Vec<float> before = inRegister(load(d, extent));
         store(d, (loadAs<float>(s, extent) - before) * w + before, extent);
     };
-    mapRows<kLanes>(size, kernel, dst, src);
+    mapRows<kLanes, kFetch<S>>(size, kernel, dst, src);
     return okpStatusOk;
 }
 

@@ -4,6 +4,7 @@
 // its whole vectors, and no scalar twin of a kernel exists.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -35,18 +36,42 @@ OKPCV_INLINE void mapRow(int64_t width, const Kernel& kernel, T*... p) {
                        [&](auto extent, int64_t x) OKPCV_INLINE_LAMBDA { kernel(extent, (p + x)...); });
 }
 
+// Whether an image that is read and written in place is fetched into the caches ahead of the work. That pays
+// where it is most of what is read: the processor fetches by itself, but not beyond a page.
+enum class Fetch { AsItComes, FirstAhead };
+inline constexpr int64_t kFetchedAheadBytes = 8192;
+
+// Calls kernel(Extent{}, out + x, p + x...) along a row from x on, as far as there is something to fetch in the
+// row, and returns where it ends.
+template <int kLanes, class Extent, class Kernel, class Out, class... T>
+OKPCV_INLINE int64_t mapFetching(int64_t x, int64_t width, const Kernel& kernel, Out* out, T*... p) {
+    constexpr int64_t ahead = kFetchedAheadBytes / int{sizeof(Out)};
+    constexpr int64_t line = std::max<int64_t>(kCacheLineBytes / sizeof(Out), kLanes);
+    for (; x + ahead + line <= width; x += line) {
+        fetch(out + x + ahead);
+        for (int64_t i = 0; i < line; i += kLanes) kernel(Extent{}, out + x + i, (p + x + i)...);
+    }
+    return x;
+}
+
 // Maps pixels to pixels: mapRow over every row of single-channel images (an image of several channels passes
 // as a wider one of single elements). Rows that follow each other without gaps are one long row.
-template <int kLanes, class Kernel, class... T>
+template <int kLanes, Fetch kFetch = Fetch::AsItComes, class Kernel, class... T>
 OKPCV_INLINE void mapRows(Size size, const Kernel& kernel, const Image<T>&... images) {
     if ((images.isDense(size.width) && ...)) size = {size.width * size.height, 1};
-    for (int64_t y = 0; y < size.height; ++y) mapRow<kLanes>(size.width, kernel, images.row(y)...);
+    for (int64_t y = 0; y < size.height; ++y) {
+        int64_t x = 0;
+        if constexpr (kFetch == Fetch::FirstAhead) {
+            x = mapFetching<kLanes, Whole>(0, size.width, kernel, images.row(y)...);
+        }
+        mapRow<kLanes>(size.width - x, kernel, (images.row(y) + x)...);
+    }
 }
 
 // mapRows whose kernel stores to the first image past the caches where the extent says Streamed. Every row
 // begins with the elements before its first aligned address; a row that never reaches one (its address is no
 // multiple of the element size) is stored ordinarily.
-template <int kLanes, class Kernel, class Out, class... T>
+template <int kLanes, Fetch kFetch = Fetch::AsItComes, class Kernel, class Out, class... T>
 OKPCV_INLINE void mapRowsStreamed(Size size, const Kernel& kernel, const Image<Out>& out,
                                   const Image<T>&... images) {
     static_assert(kLanes % Vec<Out>::lanes == 0);
@@ -61,6 +86,9 @@ OKPCV_INLINE void mapRowsStreamed(Size size, const Kernel& kernel, const Image<O
         const int64_t toAligned = static_cast<int64_t>((kVectorBytes - beyond) % kVectorBytes / sizeof(Out));
         int64_t x = toAligned < size.width ? toAligned : size.width;
         if (x > 0) kernel(Part{static_cast<int>(x)}, row, images.row(y)...);
+        if constexpr (kFetch == Fetch::FirstAhead) {
+            x = mapFetching<kLanes, Streamed>(x, size.width, kernel, row, images.row(y)...);
+        }
         for (; x + kLanes <= size.width; x += kLanes) kernel(Streamed{}, row + x, (images.row(y) + x)...);
         if (x < size.width) kernel(Part{static_cast<int>(size.width - x)}, row + x, (images.row(y) + x)...);
     }

@@ -265,6 +265,11 @@ OKPCV_INLINE Vec<T> loadHalves(const T* low, const T* high) {
         Vec<double>{_mm_loadh_pd(_mm_castsi128_pd(first), reinterpret_cast<const double*>(high))});
 }
 
+// Starts to fetch the cache line of an address, without waiting for it.
+OKPCV_INLINE void fetch(const void* p) {
+    _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
+}
+
 // Orders the streaming stores before it against whatever the caller does next.
 OKPCV_INLINE void finishStreaming() {
     _mm_sfence();

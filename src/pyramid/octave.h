@@ -52,7 +52,7 @@ OctaveLines<T> layOutOctave(Area& area, int channels, int64_t width, int phases)
     Lines lines{};
     // An odd number of cache lines, so that what stands at one column shares no place in the nearest cache; and
     // lines well apart, without which long rows out of the caches were measured to take a fifth longer.
-    constexpr int64_t cacheLine = 64 / sizeof(T), apart = 16 * cacheLine;
+    constexpr int64_t cacheLine = kCacheLineBytes / sizeof(T), apart = 16 * cacheLine;
     lines.odd = (width / 2 + 1 + Lines::slack) / (2 * cacheLine) * (2 * cacheLine) + cacheLine + apart;
     int64_t count = 0;
     const bool fits = phases == 1 ? multiplyChecked(2 * channels, lines.odd, count)
