@@ -90,7 +90,7 @@ Description describeMachine() {
 
 const char kBoundPreface[] =
     "\n"
-    "*Bound* is the time that the vector operations of a filter take at least, where it was worked out (the\n"
+    "*Bound* is the time that the vector operations of a case take at least, where it was worked out (the\n"
     "benchmark's source says how), on a core that starts six operations in a cycle: four on vectors of 16 "
     "bytes, of\n"
     "which two can be multiplications and two additions of floats, and among the rest two loads and one "
