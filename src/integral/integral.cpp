@@ -2,9 +2,9 @@
 // A row's running sum is added to the row above; both destinations are made in one pass. Source: F. C. Crow,
 // "Summed-Area Tables for Texture Mapping", SIGGRAPH 1984.
 //
-// Bound by arithmetic, stores and the way to the second cache: per four 8-bit pixels the sums take 5 vector
-// operations and a store in integers, 6 in floats; sums and squares together 11 and two, or with squares in
-// doubles 15 and three. Two rows are made side by side: they share the row above and the turns of the loop.
+// Bound by arithmetic and stores: per four 8-bit pixels the sums take 5 vector operations and a store in
+// integers, 6 in floats; sums and squares together 11 and two, or with squares in doubles 15 and three. Two rows
+// are made side by side: they share the row above and the turns of the loop. Beyond the caches memory bounds.
 #include <algorithm>
 
 #include "core/checks.h"
