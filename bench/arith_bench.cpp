@@ -52,6 +52,33 @@ Setup absDiffC(okpStatus (*f)(const T*, int32_t, T*, int32_t, RoiSize, V)) {
     };
 }
 
+// An accumulator's formula: what it does beside reading and writing the accumulator.
+struct Formula {
+    int sources;
+    double multiplications, additions;
+    int maskedBytes = 0;  // of the elements that the mask is applied to; 0: no mask
+};
+constexpr Formula kSum{1, 0, 1}, kSquare{1, 1, 1}, kProduct{2, 1, 1}, kAverage{1, 1, 2};
+constexpr Formula masked(Formula formula, int bytes) {
+    formula.maskedBytes = bytes;
+    return formula;
+}
+
+// Its work on four pixels. Integers are widened and converted, which adders do; bytes are multiplied before.
+// Masks are compared and applied.
+template <class T>
+bench::Work workOf(Formula f) {
+    const int integers = sizeof(T) < sizeof(float) ? f.sources : 0;
+    const int conversions = sizeof(T) == 1 ? 1 : integers;
+    const bool hasMask = f.maskedBytes != 0;
+    return {.elements = 4,
+            .multiplications = f.multiplications,
+            .additions = f.additions + conversions,
+            .others = integers + 2 * f.maskedBytes / 4.0,
+            .loads = 1 + (f.sources * sizeof(T) + hasMask) / 4.0,
+            .stores = 1};
+}
+
 // Operands of the accumulators. Sources are at least 1 and accumulators start there, so that sums only grow
 // and averages stay between 1 and the largest source: no denormals however often the case is called. The
 // fastest growth, of squares of 16 bits, would take 2^96 calls to leave the range.
@@ -62,9 +89,10 @@ struct Operands {
     Image<uint8_t> mask = bench::randomMask(size);
     Image<float> acc = randomImage<float>(size), theirs = acc.clone();
 
-    Case updating(double reads, bench::Call ours, const char* peerName, bench::Call peer) const {
-        return {.reads = reads,
+    Case updating(Formula formula, bench::Call ours, const char* peerName, bench::Call peer) const {
+        return {.reads = 1.0 * formula.sources * sizeof(T) + (formula.maskedBytes != 0),
                 .updates = sizeof(float),
+                .cycles = workOf<T>(formula).cyclesPerElement(),
                 .ours = ours,
                 .peerName = peerName,
                 .peer = peer,
@@ -93,7 +121,7 @@ template <class T>
 Setup sum(Plain<T>* f) {
     return [=](RoiSize size) {
         const Operands<T> o{size};
-        return o.updating(sizeof(T), call(o, f), "cv::accumulate",
+        return o.updating(kSum, call(o, f), "cv::accumulate",
                           OPENCV(cv::accumulate(o.a.mat(), o.theirs.mat())));
     };
 }
@@ -102,7 +130,7 @@ template <class T>
 Setup sumMasked(Masked<T>* f) {
     return [=](RoiSize size) {
         const Operands<T> o{size};
-        return o.updating(sizeof(T) + 1, callMasked(o, f), "cv::accumulate",
+        return o.updating(masked(kSum, sizeof(T)), callMasked(o, f), "cv::accumulate",
                           OPENCV(cv::accumulate(o.a.mat(), o.theirs.mat(), o.mask.mat())));
     };
 }
@@ -111,7 +139,7 @@ template <class T>
 Setup square(Plain<T>* f) {
     return [=](RoiSize size) {
         const Operands<T> o{size};
-        return o.updating(sizeof(T), call(o, f), "cv::accumulateSquare",
+        return o.updating(kSquare, call(o, f), "cv::accumulateSquare",
                           OPENCV(cv::accumulateSquare(o.a.mat(), o.theirs.mat())));
     };
 }
@@ -120,7 +148,7 @@ template <class T>
 Setup squareMasked(Masked<T>* f) {
     return [=](RoiSize size) {
         const Operands<T> o{size};
-        return o.updating(sizeof(T) + 1, callMasked(o, f), "cv::accumulateSquare",
+        return o.updating(masked(kSquare, sizeof(T)), callMasked(o, f), "cv::accumulateSquare",
                           OPENCV(cv::accumulateSquare(o.a.mat(), o.theirs.mat(), o.mask.mat())));
     };
 }
@@ -132,7 +160,7 @@ Setup product(okpStatus (*f)(const T*, int32_t, const T*, int32_t, float*, int32
         const auto ours = [=] {
             return f(o.a.data(), o.a.step(), o.b.data(), o.b.step(), o.acc.data(), o.acc.step(), size);
         };
-        return o.updating(2 * sizeof(T), ours, "cv::accumulateProduct",
+        return o.updating(kProduct, ours, "cv::accumulateProduct",
                           OPENCV(cv::accumulateProduct(o.a.mat(), o.b.mat(), o.theirs.mat())));
     };
 }
@@ -146,7 +174,7 @@ Setup productMasked(okpStatus (*f)(const T*, int32_t, const T*, int32_t, const u
             return f(o.a.data(), o.a.step(), o.b.data(), o.b.step(), o.mask.data(), o.mask.step(),
                      o.acc.data(), o.acc.step(), size);
         };
-        return o.updating(2 * sizeof(T) + 1, ours, "cv::accumulateProduct",
+        return o.updating(masked(kProduct, sizeof(T)), ours, "cv::accumulateProduct",
                           OPENCV(cv::accumulateProduct(o.a.mat(), o.b.mat(), o.theirs.mat(), o.mask.mat())));
     };
 }
@@ -160,7 +188,7 @@ Setup average(okpStatus (*f)(const T*, int32_t, float*, int32_t, RoiSize, float)
         const auto ours = [=] {
             return f(o.a.data(), o.a.step(), o.acc.data(), o.acc.step(), size, kWeight);
         };
-        return o.updating(sizeof(T), ours, "cv::accumulateWeighted",
+        return o.updating(kAverage, ours, "cv::accumulateWeighted",
                           OPENCV(cv::accumulateWeighted(o.a.mat(), o.theirs.mat(), kWeight)));
     };
 }
@@ -174,7 +202,7 @@ Setup averageMasked(okpStatus (*f)(const T*, int32_t, const uint8_t*, int32_t, f
             return f(o.a.data(), o.a.step(), o.mask.data(), o.mask.step(), o.acc.data(), o.acc.step(), size,
                      kWeight);
         };
-        return o.updating(sizeof(T) + 1, ours, "cv::accumulateWeighted",
+        return o.updating(masked(kAverage, sizeof(float)), ours, "cv::accumulateWeighted",
                           OPENCV(cv::accumulateWeighted(o.a.mat(), o.theirs.mat(), kWeight, o.mask.mat())));
     };
 }

@@ -1590,13 +1590,15 @@ class Pyramid {
 };
 
 /**
- * @brief The step from a level of a pyramid to the next smaller one, with the areas that it needs. The kernel is the binomial one.
- * @tparam T        Type of the images.
- * @tparam Channels Their channels.
+ * @brief The step from a level of a pyramid to its neighbour, with the areas that it needs. The kernel is the binomial one.
+ * @tparam T         Type of the images.
+ * @tparam Channels  Their channels.
+ * @tparam GetSize   The C functions of the step: the size query,
+ * @tparam Init      the initialiser
+ * @tparam Operation and the operation.
  */
-template <class T, int Channels = 1>
-requires detail::Exported<detail::kLayerDown<T, Channels>>
-class PyramidDown {
+template <class T, int Channels, auto GetSize, auto Init, auto Operation>
+class PyramidStep {
   public:
     /**
      * @brief A step.
@@ -1604,72 +1606,51 @@ class PyramidDown {
      * @param rate    How much the sizes of the levels differ, 1 < rate <= 10.
      * @return The object, or the error that prevented it.
      */
-    static Result<PyramidDown> create(RoiSize maxSize, float rate = 2.0F) {
+    static Result<PyramidStep> create(RoiSize maxSize, float rate = 2.0F) {
         int32_t specBytes = 0, bufferBytes = 0;
-        Status status = detail::kLayerDownSize<T, Channels>(maxSize, rate, 5, &specBytes, &bufferBytes);
+        Status status = GetSize(maxSize, rate, 5, &specBytes, &bufferBytes);
         if (!status) return status;
-        PyramidDown step(specBytes, bufferBytes);
-        status = detail::kLayerDownInit<T, Channels>(maxSize, rate, nullptr, 5, step.spec_.data());
-        return status ? Result<PyramidDown>(std::move(step)) : status;
+        PyramidStep step(specBytes, bufferBytes);
+        status = Init(maxSize, rate, nullptr, 5, step.spec_.data());
+        return status ? Result<PyramidStep>(std::move(step)) : status;
     }
 
     /**
-     * @brief Makes the smaller level.
+     * @brief Makes the neighbouring level.
      * @param src Source.
      * @param dst Destination, of a size that belongs to the source's.
      * @return The C function's status.
      */
     Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst) {
-        return detail::kLayerDown<T, Channels>(src.data(), src.step(), src.size(), dst.data(), dst.step(),
-                                               dst.size(), spec_.data(), buffer_.data());
+        return Operation(src.data(), src.step(), src.size(), dst.data(), dst.step(), dst.size(), spec_.data(),
+                         buffer_.data());
     }
 
   private:
-    PyramidDown(int32_t specBytes, int32_t bufferBytes) : spec_(specBytes), buffer_(bufferBytes) {}
+    PyramidStep(int32_t specBytes, int32_t bufferBytes) : spec_(specBytes), buffer_(bufferBytes) {}
 
     Buffer spec_, buffer_;
 };
 
 /**
- * @brief The step from a level of a pyramid to the next larger one, with the areas that it needs. The kernel is the binomial one.
+ * @brief The step to the next smaller level.
+ * @tparam T        Type of the images.
+ * @tparam Channels Their channels.
+ */
+template <class T, int Channels = 1>
+requires detail::Exported<detail::kLayerDown<T, Channels>>
+using PyramidDown = PyramidStep<T, Channels, detail::kLayerDownSize<T, Channels>,
+                                detail::kLayerDownInit<T, Channels>, detail::kLayerDown<T, Channels>>;
+
+/**
+ * @brief The step to the next larger level.
  * @tparam T        Type of the images.
  * @tparam Channels Their channels.
  */
 template <class T, int Channels = 1>
 requires detail::Exported<detail::kLayerUp<T, Channels>>
-class PyramidUp {
-  public:
-    /**
-     * @brief A step.
-     * @param maxSize The largest source.
-     * @param rate    How much the sizes of the levels differ, 1 < rate <= 10.
-     * @return The object, or the error that prevented it.
-     */
-    static Result<PyramidUp> create(RoiSize maxSize, float rate = 2.0F) {
-        int32_t specBytes = 0, bufferBytes = 0;
-        Status status = detail::kLayerUpSize<T, Channels>(maxSize, rate, 5, &specBytes, &bufferBytes);
-        if (!status) return status;
-        PyramidUp step(specBytes, bufferBytes);
-        status = detail::kLayerUpInit<T, Channels>(maxSize, rate, nullptr, 5, step.spec_.data());
-        return status ? Result<PyramidUp>(std::move(step)) : status;
-    }
-
-    /**
-     * @brief Makes the larger level.
-     * @param src Source.
-     * @param dst Destination, of a size that belongs to the source's.
-     * @return The C function's status.
-     */
-    Status operator()(ImageView<const T, Channels> src, ImageView<T, Channels> dst) {
-        return detail::kLayerUp<T, Channels>(src.data(), src.step(), src.size(), dst.data(), dst.step(),
-                                             dst.size(), spec_.data(), buffer_.data());
-    }
-
-  private:
-    PyramidUp(int32_t specBytes, int32_t bufferBytes) : spec_(specBytes), buffer_(bufferBytes) {}
-
-    Buffer spec_, buffer_;
-};
+using PyramidUp = PyramidStep<T, Channels, detail::kLayerUpSize<T, Channels>,
+                              detail::kLayerUpInit<T, Channels>, detail::kLayerUp<T, Channels>>;
 
 /** @} */
 }  // namespace okpcv

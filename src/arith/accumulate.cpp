@@ -174,7 +174,7 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
     if (checks.failed()) return checks.status();
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s) {
-        const Vec<float> before = load(d, extent);
+        const Vec<float> before = inRegister(load(d, extent));
         store(d, (loadAs<float>(s, extent) - before) * w + before, extent);
     };
     mapRows<kLanes>(size, kernel, dst, src);
@@ -194,7 +194,7 @@ okpStatus addWeightedMasked(Image<const S> src, Image<const uint8_t> mask, Image
     if (checks.failed()) return checks.status();
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s, const uint8_t* m) {
-        const Vec<float> before = load(d, extent);
+        const Vec<float> before = inRegister(load(d, extent));
         const Vec<float> change = (loadAs<float>(s, extent) - before) * w;
         store(d, andNot(change, unselected<float>(m, extent)) + before, extent);
     };

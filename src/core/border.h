@@ -73,6 +73,8 @@ class Border {
     static constexpr int64_t mirrored(int64_t i, int64_t n) {
         if (n == 1) return 0;
         const int64_t period = 2 * (n - 1);
+        const int64_t once = i < 0 ? -i : period - i;
+        if (once >= 0 && once < n) return once;  // spares the division where it can
         const int64_t phase = (i % period + period) % period;
         return phase < n ? phase : period - phase;
     }

@@ -14,6 +14,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 #include "okpcv/distance.h"
 
 namespace okpcv {
@@ -103,10 +104,16 @@ class StraightSteps {
 template <bool kForward>
 class StraightSteps<float, kForward> {
   public:
-    explicit StraightSteps(float a) : a_(broadcast(a)) {}
+    explicit StraightSteps(float a) : a_(broadcast(a)) {
+        constexpr int lanes = Vec<float>::lanes;
+        float toFirst[lanes];
+        for (float& weight : toFirst) weight = kUnreachable<float>;
+        toFirst[kForward ? 0 : lanes - 1] = a;
+        toFirst_ = load(toFirst);
+    }
     OKPCV_INLINE Vec<float> operator()(Vec<float> before, Vec<float> v) const {
-        const Vec<float> carried = lanesBefore<1, kForward>(before, broadcast(kUnreachable<float>));
-        return along<1>(lesser(v, carried + a_));
+        const Vec<float> carried = kForward ? broadcastLast(before) : broadcastLane<0>(before);
+        return along<1>(lesser(v, carried + toFirst_));
     }
 
   private:
@@ -123,6 +130,7 @@ class StraightSteps<float, kForward> {
     }
 
     Vec<float> a_;
+    Vec<float> toFirst_;  // a step to the lane visited first, none to the others
 };
 
 // ---- Rows -----------------------------------------------------------------------------------------------
@@ -286,6 +294,23 @@ class Pass {
         return v;
     }
 
+    // The rows, moved so that all are visited at the same column while each is kLag vectors behind the one
+    // before. What a row reads is told by the rows that were visited before it.
+    template <int N>
+    static OKPCV_INLINE void alignRows(const RowVisit<T> (&rows)[N], RowVisit<T> (&inStep)[N]) {
+        constexpr int64_t lag = (kForward ? -1 : 1) * kLag * kLanes;
+        unrolled<N>([&](auto r) OKPCV_INLINE_LAMBDA {
+            inStep[r].src = rows[r].src + r * lag;
+            inStep[r].distances = rows[r].distances + r * lag;
+            const auto before = [&](auto back, Row<T> row) OKPCV_INLINE_LAMBDA {
+                if constexpr (r >= back) return Row<T>{inStep[r - back].distances + back * lag, -1};
+                return Row<T>{row.data + (r * lag & row.columnMask), row.columnMask};
+            };
+            inStep[r].near = before(std::integral_constant<int, 1>{}, rows[r].near);
+            inStep[r].far = before(std::integral_constant<int, 2>{}, rows[r].far);
+        });
+    }
+
     template <int N>
     OKPCV_INLINE void visitRows(RowVisit<T> (&rows)[N], int64_t width) const {
         const int64_t vectors = (width + kLanes - 1) / kLanes;
@@ -318,12 +343,14 @@ class Pass {
         visitUntil(allClearFrom < ticks ? allClearFrom : ticks);
         // Copies stay in registers; what a pointer may reach is loaded again after every store.
         const Pass pass = *this;
+        RowVisit<T> inStep[N];
+        alignRows(rows, inStep);
         Vec<T> last[N];
         for (int r = 0; r < N; ++r) last[r] = before[r];
         for (; tick < clearTo; ++tick) {
-            for (int r = 0; r < N; ++r) {
-                last[r] = pass.visit(rows[r], column(tick - r * kLag), last[r], Inside{});
-            }
+            unrolled<N>([&](auto r) OKPCV_INLINE_LAMBDA {
+                last[r] = pass.visit(inStep[r], column(tick), last[r], Inside{});
+            });
         }
         for (int r = 0; r < N; ++r) before[r] = last[r];
         visitUntil(ticks);

@@ -158,9 +158,9 @@ okpStatus layer(Image<const S, Channels> src, Size srcSize, Image<S, Channels> d
     if (spec.isOctave) {
         const auto lines = layOutOctave<OctaveSum<S>>(buffer, Channels, srcSize.width, Layer::phases);
         if constexpr (Layer::phases == 1) {
-            octaveDown<S, Channels>(src, srcSize, dst, dstSize, lines);
+            octaveDown(src, srcSize, dst, dstSize, lines);
         } else {
-            octaveUp<S, Channels>(src, srcSize, dst, dstSize, lines);
+            octaveUp(src, srcSize, dst, dstSize, lines);
         }
         return okpStatusOk;
     }

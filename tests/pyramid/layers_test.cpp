@@ -230,8 +230,7 @@ TYPED_TEST(PyramidLayer, FollowsItsDefinitionAtRate2) {
     for (int height = 1; height <= 20; ++height) {
         expectDefinition<TypeParam>(random, {random.integer(1, 9), height}, 2, {});
     }
-    // Wider than what is worked on at a time.
-    for (const int width : {2046, 2047, 2048, 2049, 2050, 2051, 4099}) {
+    for (const int width : {2047, 2050}) {
         const int height = random.integer(7, 10);
         expectDefinition<TypeParam>(
             random, TypeParam::isUp ? RoiSize{width / 8, height} : RoiSize{width, height}, 2, {});
