@@ -23,13 +23,37 @@ RoiSize enlarged(RoiSize size) {
 template <class D>
 constexpr double kTolerance = std::is_same_v<D, float> ? 1e-4 : 0.0;
 
+// Of four 8-bit pixels: to move lanes, to multiply and add them, the running sum and the row above, which two
+// rows of output share.
+template <class D>
+bench::Work integralWork() {
+    return {.elements = 4,
+            .multiplications = 2,
+            .additions = std::is_same_v<D, float> ? 1.0 : 0.0,
+            .others = 3,
+            .loads = 1.5,
+            .stores = 1};
+}
+// Beside squares, lanes are moved for both, in two vectors. Running sums of squares become two vectors of doubles.
+template <class D, class Q>
+bench::Work sqrIntegralWork() {
+    constexpr bool kDoubles = std::is_same_v<Q, double>;
+    return {.elements = 4,
+            .multiplications = 3,
+            .additions = (std::is_same_v<D, float> ? 1.0 : 0.0) + (kDoubles ? 2 : 0),
+            .others = kDoubles ? 10 : 8,
+            .loads = kDoubles ? 2.5 : 2,
+            .stores = kDoubles ? 3.0 : 2.0};
+}
+
 template <class S, class D, class F>
-Setup sums(F call) {
+Setup sums(F call, bench::Work work = {}) {
     return [=](RoiSize size) {
         const auto src = randomImage<S>(size);
         const Image<D> dst(enlarged(size)), theirs(enlarged(size));
         return Case{.reads = sizeof(S),
                     .writes = sizeof(D),
+                    .cycles = work.cyclesPerElement(),
                     .ours = [=] { return call(src, dst, size); },
                     .peerName = "cv::integral",
                     .peer = OPENCV(cv::integral(src.mat(), theirs.mat(), cv::DataType<D>::depth)),
@@ -38,9 +62,11 @@ Setup sums(F call) {
 }
 template <class D>
 Setup integral(okpStatus (*f)(const uint8_t*, int32_t, D*, int32_t, RoiSize, D)) {
-    return sums<uint8_t, D>([=](const auto& src, const auto& dst, RoiSize size) {
-        return f(src.data(), src.step(), dst.data(), dst.step(), size, D{0});
-    });
+    return sums<uint8_t, D>(
+        [=](const auto& src, const auto& dst, RoiSize size) {
+            return f(src.data(), src.step(), dst.data(), dst.step(), size, D{0});
+        },
+        integralWork<D>());
 }
 Setup floatIntegral(decltype(okpiIntegral_32f_C1R)* f) {
     return sums<float, float>([=](const auto& src, const auto& dst, RoiSize size) {
@@ -56,6 +82,7 @@ Setup sqrIntegral(okpStatus (*f)(const uint8_t*, int32_t, D*, int32_t, Q*, int32
         const Image<Q> sqr(enlarged(size)), theirSqr(enlarged(size));
         return Case{.reads = 1,
                     .writes = sizeof(D) + sizeof(Q),
+                    .cycles = sqrIntegralWork<D, Q>().cyclesPerElement(),
                     .ours =
                         [=] {
                             return f(src.data(), src.step(), dst.data(), dst.step(), sqr.data(), sqr.step(),

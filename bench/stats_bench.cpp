@@ -174,6 +174,9 @@ Setup mean(const char*, Norm3<T>* f) {
     };
 }
 
+// Of 16 bytes: two vectors of every other one are squared and added, beside the sum of absolute differences from 0.
+constexpr bench::Work kByteMoments{.elements = 16, .multiplications = 2, .others = 6, .loads = 1};
+
 // The operations that come in four forms: with and without a mask, of one channel or of one of three.
 template <class T, int kChannels, bool kMasked, class F>
 Setup meanStdDevOf(Select select, F call) {
@@ -183,6 +186,7 @@ Setup meanStdDevOf(Select select, F call) {
         const Results r = std::make_shared<Numbers>();
         return Case {
             .reads = kChannels * 1.0 * sizeof(T) + (kMasked ? 1 : 0),
+            .cycles = sizeof(T) == 1 && kChannels == 1 && !kMasked ? kByteMoments.cyclesPerElement() : 0,
             .ours = [=] { return call(a, mask, size, &r->ours[0], &r->ours[1]); },
             .peerName = kChannels == 1 ? "cv::meanStdDev" : "cv::extractChannel, meanStdDev",
             .peer = OPENCV(cv::Scalar mean; cv::Scalar deviation;

@@ -78,12 +78,11 @@ OKPCV_INLINE void mapRowsStreamed(Size size, const Kernel& kernel, const Image<O
     if (out.isDense(size.width) && (images.isDense(size.width) && ...)) size = {size.width * size.height, 1};
     for (int64_t y = 0; y < size.height; ++y) {
         Out* const row = out.row(y);
-        const auto beyond = reinterpret_cast<uintptr_t>(row) % kVectorBytes;
-        if (beyond % sizeof(Out) != 0) {
+        if (reinterpret_cast<uintptr_t>(row) % sizeof(Out) != 0) {
             mapRow<kLanes>(size.width, kernel, row, images.row(y)...);
             continue;
         }
-        const int64_t toAligned = static_cast<int64_t>((kVectorBytes - beyond) % kVectorBytes / sizeof(Out));
+        const int64_t toAligned = elementsToAligned(row);
         int64_t x = toAligned < size.width ? toAligned : size.width;
         if (x > 0) kernel(Part{static_cast<int>(x)}, row, images.row(y)...);
         if constexpr (kFetch == Fetch::FirstAhead) {

@@ -217,6 +217,12 @@ OKPCV_INLINE Vec<T> loadAligned(const T* p) {
     return bitCast<T>(Vec<int32_t>{_mm_load_si128(reinterpret_cast<const __m128i*>(p))});
 }
 
+// From p on, the elements before the first whose address is a multiple of kVectorBytes.
+template <class T>
+OKPCV_INLINE int elementsToAligned(const T* p) {
+    return static_cast<int>(-reinterpret_cast<uintptr_t>(p) % kVectorBytes / sizeof(T));
+}
+
 template <class T>
 OKPCV_INLINE void store(T* p, Vec<T> v) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bitCast<int32_t>(v).raw);
@@ -246,6 +252,17 @@ OKPCV_INLINE void storeFirst(T* p, Vec<T> v, Extent extent) {
         storeScalar(p, _mm_cvtsi128_si32(bitCast<int32_t>(v).raw));
     } else {
         store(p, v, Part{N});
+    }
+}
+
+// Loads the first N lanes, or of a part those among them, and zeros behind them.
+template <int N, class T, class Extent>
+OKPCV_INLINE Vec<T> loadFirst(const T* p, Extent extent) {
+    static_assert(N * int{sizeof(T)} == 8);
+    if constexpr (std::is_same_v<Extent, Part>) {
+        return load(p, Part{extent.count < N ? extent.count : N});
+    } else {
+        return bitCast<T>(Vec<int32_t>{_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))});
     }
 }
 
@@ -703,8 +720,8 @@ OKPCV_INLINE Vec<To> widenHigh(Vec<From> a) {
             return {_mm_unpackhi_epi32(a.raw, zero)};
         }
     } else {
-        const __m128i bits = bitCast<int32_t>(a).raw;
-        return widenLow<To>(bitCast<From>(Vec<int32_t>{_mm_unpackhi_epi64(bits, bits)}));
+        const __m128i high = _mm_shuffle_epi32(bitCast<int32_t>(a).raw, 0xEE);
+        return widenLow<To>(bitCast<From>(Vec<int32_t>{high}));
     }
 }
 
@@ -865,6 +882,10 @@ OKPCV_INLINE Vec<T> reverseBytes(Vec<T> a) {
 template <class T>
 OKPCV_INLINE T firstLane(Vec<T> a) {
     return loadScalar<T>(&a);
+}
+template <class T>
+OKPCV_INLINE T lastLane(Vec<T> a) {
+    return firstLane(broadcastLast(a));
 }
 
 namespace detail {
@@ -1073,36 +1094,35 @@ OKPCV_INLINE Vec<T> prefixSums(Vec<T> a) {
     return a + shiftLanesUp<2>(a);
 }
 
+// Lane i becomes the sum of the bytes i to i + 3.
+OKPCV_INLINE Vec<int32_t> sumsOfFour(Vec<uint8_t> a) {
+    const __m128i fours =
+        _mm_shuffle_epi8(a.raw, _mm_setr_epi8(0, 1, 2, 3, 1, 2, 3, 4, 2, 3, 4, 5, 3, 4, 5, 6));
+    return {_mm_madd_epi16(_mm_maddubs_epi16(fours, _mm_set1_epi8(1)), _mm_set1_epi16(1))};
+}
+
 namespace detail {
-// Lane i: the bytes 0 to i of a quarter of a vector, then zeros.
-template <int kQuarter>
-OKPCV_INLINE __m128i prefixesOfQuarter(Vec<uint8_t> a) {
-    static constexpr auto prefixes =
-        shuffleFrom(0, [](int i) { return i % 4 <= i / 4 ? 4 * kQuarter + i % 4 : kNowhere; });
-    return shuffled(a.raw, prefixes);
+// In lane i the bytes i and i + 2, and i + 1 and i + 3, as 16-bit numbers.
+struct Fours {
+    __m128i even, odd;
+};
+OKPCV_INLINE Fours foursOf(Vec<uint8_t> a) {
+    static constexpr auto even = shuffleFrom(0, [](int i) { return i % 2 == 0 ? i / 4 + i % 4 : kNowhere; });
+    static constexpr auto odd =
+        shuffleFrom(0, [](int i) { return i % 2 == 0 ? i / 4 + i % 4 + 1 : kNowhere; });
+    return {shuffled(a.raw, even), shuffled(a.raw, odd)};
 }
 }  // namespace detail
 
-// Lane i becomes the sum of the bytes 0 to i of a quarter of a vector.
-template <int kQuarter>
-OKPCV_INLINE Vec<int32_t> prefixSumsOfQuarter(Vec<uint8_t> a) {
-    const __m128i quarter = _mm_shuffle_epi32(a.raw, kQuarter * 0x55);
-    const __m128i weights = _mm_set_epi32(0x01010101, 0x00010101, 0x00000101, 0x00000001);
-    return {_mm_madd_epi16(_mm_maddubs_epi16(quarter, weights), _mm_set1_epi16(1))};
-}
 // The same, by what the sums of squares below begin with: in fewer operations where both are made.
-template <int kQuarter>
-OKPCV_INLINE Vec<int32_t> prefixSumsBesideSquares(Vec<uint8_t> a) {
-    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
-    return {_mm_madd_epi16(_mm_maddubs_epi16(bytes, _mm_set1_epi8(1)), _mm_set1_epi16(1))};
+OKPCV_INLINE Vec<int32_t> sumsOfFourBesideSquares(Vec<uint8_t> a) {
+    const detail::Fours fours = detail::foursOf(a);
+    return {_mm_madd_epi16(_mm_add_epi16(fours.even, fours.odd), _mm_set1_epi16(1))};
 }
 // The same of the bytes' squares.
-template <int kQuarter>
-OKPCV_INLINE Vec<int32_t> prefixSquareSumsOfQuarter(Vec<uint8_t> a) {
-    const __m128i bytes = detail::prefixesOfQuarter<kQuarter>(a);
-    const __m128i even = _mm_and_si128(bytes, _mm_set1_epi16(255));
-    const __m128i odd = _mm_srli_epi16(bytes, 8);
-    return {_mm_add_epi32(_mm_madd_epi16(even, even), _mm_madd_epi16(odd, odd))};
+OKPCV_INLINE Vec<int32_t> squareSumsOfFour(Vec<uint8_t> a) {
+    const detail::Fours fours = detail::foursOf(a);
+    return {_mm_add_epi32(_mm_madd_epi16(fours.even, fours.even), _mm_madd_epi16(fours.odd, fours.odd))};
 }
 
 }  // namespace okpcv

@@ -155,6 +155,17 @@ TYPED_TEST(SimdAll, LoadsAndStoresParts) {
             for (int i = count; i < lanes; ++i) EXPECT_EQ(all[static_cast<size_t>(i)], T{}) << count;
         }
     }
+    constexpr int half = lanes / 2;
+    GuardedImage<T> first(half, 1);
+    first.fill([&](int, int, int) { return this->random.template value<T>(); });
+    for (int count = 1; count <= lanes; ++count) {
+        const Lanes<T> loaded = lanesOf(loadFirst<half>(first.data(), Part{count}));
+        for (int i = 0; i < lanes; ++i) {
+            EXPECT_EQ(loaded[static_cast<size_t>(i)], i < std::min(count, half) ? first.at(i, 0) : T{});
+        }
+    }
+    EXPECT_EQ(lanesOf(loadFirst<half>(first.data(), Whole{})),
+              lanesOf(loadFirst<half>(first.data(), Part{half})));
     // Counts outside 1 to lanes, as they arise where several vectors share one extent.
     EXPECT_EQ(lanesOf(load(static_cast<const T*>(nullptr), Part{-3})), Lanes<T>{});
     store(static_cast<T*>(nullptr), zeros<T>(), Part{0});
@@ -232,6 +243,7 @@ TYPED_TEST(SimdAll, MovesLanes) {
         EXPECT_TRUE(sameBit(ofLast[i], a.back()));
     }
     EXPECT_TRUE(sameBit(firstLane(vectorOf(a)), a.front()));
+    EXPECT_TRUE(sameBit(lastLane(vectorOf(a)), a.back()));
 }
 
 TYPED_TEST(SimdAll, SplitsAndJoinsChannels) {
@@ -458,30 +470,26 @@ TEST(Simd, FormsPrefixSums) {
     // In single precision the order shows: (1 - 1e8) + (1e8 + 1), not ((1 + 1e8) - 1e8) + 1.
     EXPECT_EQ(lanesOf(prefixSums(vectorOf(Lanes<float>{1, 1e8F, -1e8F, 1}))),
               (Lanes<float>{1, 1e8F, 1, (1 - 1e8F) + (1e8F + 1)}));
+}
 
+TEST(Simd, AddsFourBytesOrTheirSquares) {
     Random random(9);
     for (int round = 0; round < 50; ++round) {
         Lanes<uint8_t> bytes;
         for (uint8_t& byte : bytes) byte = random.special<uint8_t>();
-        const Vec<uint8_t> v = vectorOf(bytes);
-        const std::array sums{lanesOf(prefixSumsOfQuarter<0>(v)), lanesOf(prefixSumsOfQuarter<1>(v)),
-                              lanesOf(prefixSumsOfQuarter<2>(v)), lanesOf(prefixSumsOfQuarter<3>(v))};
-        const std::array beside{
-            lanesOf(prefixSumsBesideSquares<0>(v)), lanesOf(prefixSumsBesideSquares<1>(v)),
-            lanesOf(prefixSumsBesideSquares<2>(v)), lanesOf(prefixSumsBesideSquares<3>(v))};
-        const std::array squares{
-            lanesOf(prefixSquareSumsOfQuarter<0>(v)), lanesOf(prefixSquareSumsOfQuarter<1>(v)),
-            lanesOf(prefixSquareSumsOfQuarter<2>(v)), lanesOf(prefixSquareSumsOfQuarter<3>(v))};
-        constexpr size_t n = static_cast<size_t>(Vec<int32_t>::lanes);
-        int sum = 0;
-        int square = 0;
-        for (size_t i = 0; i < bytes.size(); ++i) {
-            if (i % n == 0) sum = square = 0;
-            sum += bytes[i];
-            square += bytes[i] * bytes[i];
-            EXPECT_EQ(sums[i / n][i % n], sum);
-            EXPECT_EQ(beside[i / n][i % n], sum);
-            EXPECT_EQ(squares[i / n][i % n], square);
+        const auto sums = lanesOf(sumsOfFour(vectorOf(bytes)));
+        const auto beside = lanesOf(sumsOfFourBesideSquares(vectorOf(bytes)));
+        const auto squares = lanesOf(squareSumsOfFour(vectorOf(bytes)));
+        for (size_t i = 0; i < sums.size(); ++i) {
+            int sum = 0;
+            int square = 0;
+            for (size_t j = i; j < i + 4; ++j) {
+                sum += bytes[j];
+                square += bytes[j] * bytes[j];
+            }
+            EXPECT_EQ(sums[i], sum);
+            EXPECT_EQ(beside[i], sum);
+            EXPECT_EQ(squares[i], square);
         }
     }
 }

@@ -67,7 +67,7 @@ void expectSquares(SqrIntegral<D, Q>* f, const GuardedImage<uint8_t>& src, D val
 
 TEST(Integral, EqualsTheSequentialRule) {
     Random random(41);
-    for (int width = 1; width <= 100; width += width < 40 ? 1 : 7) {
+    for (int width = 1; width <= 160; width += width < 40 ? 1 : 7) {
         const auto at = width % 2 == 0 ? GuardedMemory::At::End : GuardedMemory::At::Start;
         GuardedImage<uint8_t> src(width, 1 + width % 6, {.padding = width % 3, .at = at});
         src.fill([&](int, int, int) { return random.special<uint8_t>(); });
@@ -94,6 +94,35 @@ TEST(Integral, EqualsTheSequentialRuleWhereSumsWrapOrRound) {
     expectSquares<int32_t, int32_t>(okpiSqrIntegral_8u32s_C1R, src, 0, 0);
     expectSquares<int32_t, double>(okpiSqrIntegral_8u32s64f_C1R, src, 0, 0.5);
     expectSquares<float, double>(okpiSqrIntegral_8u32f64f_C1R, src, 0.5F, 0.0);
+}
+
+TEST(Integral, GivesTheSameBitsAtEveryAlignment) {
+    constexpr int kWidth = 139;
+    constexpr int kHeight = 3;
+    Random random(45);
+    GuardedImage<uint8_t> src(kWidth, kHeight);
+    src.fill([&](int, int, int) { return random.value<uint8_t>(); });
+    const std::vector<float> sums = definition(src, 0.25F, false);
+    const std::vector<double> squares = definition(src, 0.1, true);
+    for (const int step : {8 * (kWidth + 1), 8 * (kWidth + 2)}) {
+        for (int shift = 0; shift < 16; ++shift) {
+            std::vector<char> dst(static_cast<size_t>(step) * (kHeight + 1) + 16);
+            std::vector<char> sqr(dst.size());
+            char* const at = dst.data() + shift;
+            char* const sqrAt = sqr.data() + shift * 5 % 16;
+            ASSERT_EQ(
+                okpiSqrIntegral_8u32f64f_C1R(src.data(), src.step(), reinterpret_cast<float*>(at), step,
+                                             reinterpret_cast<double*>(sqrAt), step, src.roi(), 0.25F, 0.1),
+                okpStatusOk);
+            for (size_t y = 0; y <= kHeight; ++y) {
+                constexpr size_t n = kWidth + 1;
+                const auto offset = static_cast<ptrdiff_t>(y) * step;
+                EXPECT_EQ(std::memcmp(at + offset, sums.data() + y * n, n * sizeof(float)), 0) << shift;
+                EXPECT_EQ(std::memcmp(sqrAt + offset, squares.data() + y * n, n * sizeof(double)), 0)
+                    << shift;
+            }
+        }
+    }
 }
 
 TEST(Integral, OfConstantImages) {
