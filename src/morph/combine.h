@@ -369,19 +369,18 @@ OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
     });
 }
 
-// The steps by which a run of one element grows to one of kRun: to twice the length as long as that fits.
-template <int kRun>
+// The steps by which a run of one element grows to a longer one: to twice the length as long as that fits.
 struct Growth {
-    int by[3]{};
+    int by[5]{};
     int steps = 0;
 
-    constexpr Growth() {
-        for (int length = 1; length < kRun; length += by[steps++])
-            by[steps] = length < kRun - length ? length : kRun - length;
+    explicit constexpr Growth(int run) {
+        for (int length = 1; length < run; length += by[steps++])
+            by[steps] = length < run - length ? length : run - length;
     }
 };
 template <int kRun>
-inline constexpr Growth<kRun> kGrowth{};
+inline constexpr Growth kGrowth{kRun};
 
 // Rectangles of kRun elements, kStep apart, and `height` rows, for kRows rows of output of whole vectors: the
 // maxima of the columns, then with each step of growth one maximum with themselves, moved, for which a vector
