@@ -126,7 +126,7 @@ class BitEngine {
           header_(spec.header()),
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth),
           scratch_(placeScratch(buffer, sizes_)),
-          plan_(spec, 1, 8, sizes_.window(), scratch_.terms, scratch_.weights) {
+          plan_(spec, 1, kFirstRun, kFirstRun, sizes_.window(), scratch_.terms, scratch_.weights) {
         // Where the mask reaches beyond an edge only with the edge, what repeats the edge never wins.
         if (border.kind() == BorderReplicate && spec.isRectangle() &&
             spec.block(0).has(header_.anchorX, header_.anchorY)) {
@@ -167,6 +167,7 @@ class BitEngine {
         int64_t endByte() const { return ((endBit - 1) >> 3) + 1; }
     };
     using Word = BitWord;
+    static constexpr int32_t kFirstRun = 8;
     // The steps in which runs grow inside of words.
     static constexpr int kMostGrowth = detail::Growth(kLongestInWord).steps;
     // The rectangles that are made from the source at once.

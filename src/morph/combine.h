@@ -616,6 +616,28 @@ void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t
     });
 }
 
+// The longest runs that combineDoubled makes: with the last step a whole vector joins the next one.
+template <class T>
+inline constexpr int32_t kLongestDoubled = 2 * Vec<T>::lanes;
+
+// dst(x, y) = the maximum of the `run` elements of src from (x, y) on, a power of two from 8 on, for an even
+// number of whole vectors. Reads a vector beyond them for each doubling.
+template <class P, class T>
+void combineDoubled(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run) {
+    const auto fill = [&](auto length) OKPCV_INLINE_LAMBDA {
+        if constexpr (length <= kLongestDoubled<T>) {
+            constexpr std::integral_constant<int, 1> kOne;
+            NoWatch none;
+            for (int64_t y = 0; y < rows; ++y)
+                detail::fillRectangles<P, length, 1, 1>(Image<const T>{src.row(y), src.step},
+                                                        Image<T>{dst.row(y), dst.step}, vectors, kOne, none);
+        }
+    };
+    if (run == 8) return fill(std::integral_constant<int, 8>{});
+    if (run == 16) return fill(std::integral_constant<int, 16>{});
+    fill(std::integral_constant<int, 32>{});
+}
+
 // Shows the watch `rows` rows.
 template <class T, class Watch>
 void watchRows(Image<const T> src, int64_t width, int64_t rows, Watch& watch) {
