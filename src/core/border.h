@@ -40,6 +40,8 @@ class Border {
     explicit constexpr Border(BorderKind border) : bits_(border) {}
 
     constexpr BorderKind kind() const { return bits_ & kBorderKindBits; }
+    // The same sides in memory with another kind.
+    constexpr Border withKind(BorderKind kind) const { return Border((bits_ & BorderInMemory) | kind); }
     constexpr bool topInMemory() const { return (bits_ & BorderInMemTop) != 0; }
     constexpr bool bottomInMemory() const { return (bits_ & BorderInMemBottom) != 0; }
     constexpr bool leftInMemory() const { return (bits_ & BorderInMemLeft) != 0; }

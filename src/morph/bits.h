@@ -3,8 +3,7 @@
 // Rows are kept as they come, bytes of eight pixels with the leftmost in the most significant bit, and at
 // the source's place within a byte: rows are combined in columns without regard to pixels, by the kernels for
 // bytes. Only passes along rows, and the last one into the destination, take words apart: a word that begins
-// at any pixel is two shifts and an or. Per 128 pixels of a rectangle of 3 x 3 that is about 20 operations in
-// the registers, 4 loads and 2 stores.
+// at any pixel is two shifts and an or. Rectangles that are not wide have a kernel of their own.
 #pragma once
 
 #include <algorithm>
@@ -16,6 +15,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "morph/bit_runs.h"
 #include "morph/combine.h"
 #include "morph/intake.h"
 #include "morph/plan.h"
@@ -126,7 +126,14 @@ class BitEngine {
           header_(spec.header()),
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth),
           scratch_(placeScratch(buffer, sizes_)),
-          plan_(spec, 1, 8, sizes_.window(), scratch_.terms, scratch_.weights) {}
+          plan_(spec, 1, kFirstRun, kFirstRun, sizes_.window(), scratch_.terms, scratch_.weights) {
+        // Where the mask reaches beyond an edge only with the edge, what repeats the edge never wins.
+        if (border.kind() == BorderReplicate && spec.isRectangle() &&
+            spec.block(0).has(header_.anchorX, header_.anchorY)) {
+            border_ = border.withKind(BorderConstant);
+            value_ = Op::defaultBorder;
+        }
+    }
 
     void run() {
         from_ = -header_.anchorX;
@@ -135,8 +142,8 @@ class BitEngine {
         const int64_t readableTo = border_.rightInMemory() ? to_ : size_.width;
         before_ = spanOf(from_, readableFrom);
         after_ = spanOf(readableTo, to_);
-        const int64_t firstByte = (src_.phase + readableFrom) >> 3;
-        const int64_t endByte = ((src_.phase + readableTo - 1) >> 3) + 1;
+        readable_ = {src_.phase + readableFrom, src_.phase + readableTo};
+        const int64_t firstByte = readable_.firstByte(), endByte = readable_.endByte();
         const uint8_t everywhere = value_ ? 0xFF : 0;
         NoWatch none;
         Intake intake({src_.bytes.data + firstByte, src_.bytes.step}, {endByte - firstByte, size_.height},
@@ -153,8 +160,20 @@ class BitEngine {
 
   private:
     using Intake = RowIntake<Cells, NoWatch>;
-    using Word = uint64_t;
-    static constexpr int kWordBits = 64;
+    // The pixels of a row that are in readable memory, relative to the first byte of the region.
+    struct Readable {
+        int64_t firstBit, endBit;
+        int64_t firstByte() const { return firstBit >> 3; }
+        int64_t endByte() const { return ((endBit - 1) >> 3) + 1; }
+    };
+    using Word = BitWord;
+    static constexpr int32_t kFirstRun = 8;
+    // The steps in which runs grow inside of words.
+    static constexpr int kMostGrowth = detail::Growth(kLongestInWord).steps;
+    // The rectangles that are made from the source at once.
+    static constexpr int kTallestAtOnce = 3;
+    static constexpr int kLongestAtOnce = 4;
+    static constexpr int kMostGrowthAtOnce = detail::Growth(kLongestAtOnce).steps;
 
     static BitScratch placeScratch(void* buffer, const BitSizes& sizes) {
         Area area(buffer);
@@ -165,13 +184,30 @@ class BitEngine {
         return scratch_.planes + (plane * sizes_.rows + row) * sizes_.rowBytes;
     }
 
-    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
+    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows. The rows of
+    // small ones whose pixels are all in readable memory are made at once.
     void runRectangle(Intake& intake, const Spec::Place& block) {
+        const int64_t above = header_.anchorY - block.row, below = block.height - 1 - above;
+        const int64_t top = border_.topInMemory() ? 0 : std::max<int64_t>(above, 0);
+        const int64_t bottom = size_.height - (border_.bottomInMemory() ? 0 : std::max<int64_t>(below, 0));
+        if (bottom - top < detail::kBitRowsTogether || !canWriteAtOnce(block))
+            return runRectangle(intake, block, 0, size_.height);
+        runRectangle(intake, block, 0, top);
+        writeAtOnce(block, top, bottom - top);
+        runRectangle(intake, block, bottom, size_.height);
+    }
+
+    // Rows `top` to `bottom` - 1.
+    void runRectangle(Intake& intake, const Spec::Place& block, int64_t top, int64_t bottom) {
         const int last = plan_.planeCount() - 1;
-        for (int64_t y = 0; y < size_.height; y += sizes_.blockRows) {
-            const int64_t rows = std::min(sizes_.blockRows, size_.height - y);
+        for (int64_t y = top; y < bottom; y += sizes_.blockRows) {
+            const int64_t rows = std::min(sizes_.blockRows, bottom - y);
             intake.takeMaxima(y + block.row - header_.anchorY, rows, block.height);
             for (int64_t i = 0; i < rows; ++i) extendRow(planeRow(0, i));
+            if (block.length <= kLongestInWord) {
+                writeRuns(y, rows, block);
+                continue;
+            }
             for (int p = 1; p <= last; ++p) makePlaneRows(plan_.plane(p), p, 0, rows);
             int count = 0;
             const int32_t run = plan_.plane(last).run;
@@ -181,6 +217,40 @@ class BitEngine {
             }
             writeRows(y, rows, count);
         }
+    }
+
+    // Small rectangles take what is outside from the border's value, and reach it at the ends of rows only.
+    bool canWriteAtOnce(const Spec::Place& block) const {
+        return block.height <= kTallestAtOnce && block.length <= kLongestAtOnce &&
+               block.has(header_.anchorX, header_.anchorY) && border_.kind() != BorderReplicate &&
+               areWideBitRows(readable_.endByte() - readable_.firstByte());
+    }
+    void writeAtOnce(const Spec::Place& block, int64_t y, int64_t rows) const {
+        const int64_t bit = src_.phase + block.column - header_.anchorX - dst_.phase, byte = bit >> 3;
+        const BitSource source{{src_.bytes.row(y + block.row - header_.anchorY) + byte, src_.bytes.step},
+                               static_cast<int>(bit & 7),
+                               readable_.firstByte() - byte,
+                               readable_.endByte() - byte,
+                               readable_.firstBit - byte * 8,
+                               readable_.endBit - byte * 8,
+                               value_};
+        detail::withCount<1, kTallestAtOnce>(block.height, [&](auto height) {
+            detail::withCount<0, kMostGrowthAtOnce>(detail::Growth(block.length).steps, [&](auto steps) {
+                combineBitRuns<Cells, height, steps>(source, target(y), rows, block.length);
+            });
+        });
+    }
+    // Rows of the destination from plane 0, which holds what is outside too.
+    void writeRuns(int64_t y, int64_t rows, const Spec::Place& block) const {
+        const Part part = partAt(planeRow(0, 0), block.column);
+        const int64_t from = planeRow(0, 0) - part.from, to = from + sizes_.rowBytes;
+        const BitSource source{{part.from, sizes_.rowBytes}, part.shift, from, to, from * 8, to * 8, value_};
+        detail::withCount<0, kMostGrowth>(detail::Growth(block.length).steps, [&](auto steps) {
+            combineBitRuns<Cells, 1, steps>(source, target(y), rows, block.length);
+        });
+    }
+    BitTarget target(int64_t y) const {
+        return {{dst_.bytes.row(y), dst_.bytes.step}, dst_.phase, size_.width};
     }
 
     // Any other mask: rows come in as they are and stay while the mask reaches them. The terms of each column
@@ -295,14 +365,14 @@ class BitEngine {
 
     static OKPCV_INLINE Vec<Word> wordsAt(const uint8_t* p) { return reverseBytes(bitCast<Word>(load(p))); }
     static OKPCV_INLINE Vec<Word> shifted(Vec<Word> words, Vec<Word> next, int shift) {
-        return shiftLeft(words, shift) | shiftRight(next, kWordBits - shift);
+        return shiftLeft(words, shift) | shiftRight(next, kBitWordBits - shift);
     }
 
     // Whether the parts are all near enough to the first to come out of the same two words.
     static bool areClose(const Part* parts, int count) {
         for (int i = 0; i < count; ++i) {
             const int64_t distance = (parts[i].from - parts[0].from) * 8 + parts[i].shift;
-            if (distance < 0 || distance >= kWordBits) return false;
+            if (distance < 0 || distance >= kBitWordBits) return false;
         }
         return true;
     }
@@ -396,7 +466,8 @@ class BitEngine {
     BitScratch scratch_;
     Plan plan_;
     int64_t from_ = 0, to_ = 0;  // pixels of a row that the mask reaches
-    Span before_, after_;        // those that are not in readable memory
+    Readable readable_{};
+    Span before_, after_;  // those that are not in readable memory
 };
 
 }  // namespace okpcv::morph

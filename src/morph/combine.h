@@ -369,19 +369,18 @@ OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
     });
 }
 
-// The steps by which a run of one element grows to one of kRun: to twice the length as long as that fits.
-template <int kRun>
+// The steps by which a run of one element grows to a longer one: to twice the length as long as that fits.
 struct Growth {
-    int by[3]{};
+    int by[5]{};
     int steps = 0;
 
-    constexpr Growth() {
-        for (int length = 1; length < kRun; length += by[steps++])
-            by[steps] = length < kRun - length ? length : kRun - length;
+    explicit constexpr Growth(int run) {
+        for (int length = 1; length < run; length += by[steps++])
+            by[steps] = length < run - length ? length : run - length;
     }
 };
 template <int kRun>
-inline constexpr Growth<kRun> kGrowth{};
+inline constexpr Growth kGrowth{kRun};
 
 // Rectangles of kRun elements, kStep apart, and `height` rows, for kRows rows of output of whole vectors: the
 // maxima of the columns, then with each step of growth one maximum with themselves, moved, for which a vector
@@ -615,6 +614,28 @@ void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t
             fillAny(length, std::integral_constant<int, 4>{});
         }
     });
+}
+
+// The longest runs that combineDoubled makes: with the last step a whole vector joins the next one.
+template <class T>
+inline constexpr int32_t kLongestDoubled = 2 * Vec<T>::lanes;
+
+// dst(x, y) = the maximum of the `run` elements of src from (x, y) on, a power of two from 8 on, for an even
+// number of whole vectors. Reads a vector beyond them for each doubling.
+template <class P, class T>
+void combineDoubled(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run) {
+    const auto fill = [&](auto length) OKPCV_INLINE_LAMBDA {
+        if constexpr (length <= kLongestDoubled<T>) {
+            constexpr std::integral_constant<int, 1> kOne;
+            NoWatch none;
+            for (int64_t y = 0; y < rows; ++y)
+                detail::fillRectangles<P, length, 1, 1>(Image<const T>{src.row(y), src.step},
+                                                        Image<T>{dst.row(y), dst.step}, vectors, kOne, none);
+        }
+    };
+    if (run == 8) return fill(std::integral_constant<int, 8>{});
+    if (run == 16) return fill(std::integral_constant<int, 16>{});
+    fill(std::integral_constant<int, 32>{});
 }
 
 // Shows the watch `rows` rows.

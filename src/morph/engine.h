@@ -100,7 +100,7 @@ class Engine {
           header_(spec.header()),
           sizes_(header_.maskWidth, header_.maskHeight, header_.roiWidth, job.channels, sizeof(Cell)),
           scratch_(placeScratch(buffer, sizes_)),
-          plan_(spec, job.channels, 7 * job.channels <= Vec<Cell>::lanes ? 8 : 4, sizes_.window,
+          plan_(spec, job.channels, firstRun(job.channels), longestDoubled(job.channels), sizes_.window,
                 scratch_.terms, scratch_.weights) {
         for (int c = 0; c < 4; ++c) {
             const Vec<Pixel> value = broadcast(job.value[c]);
@@ -137,6 +137,11 @@ class Engine {
     static constexpr int64_t kLeastVectorsLong = 96;
     // Rows of its interior between two visits of the columns beside it, which have them in a near cache.
     static constexpr int64_t kInteriorRows = 64;
+
+    static int32_t firstRun(int channels) { return 7 * channels <= Vec<Cell>::lanes ? 8 : 4; }
+    static int32_t longestDoubled(int channels) {
+        return channels == 1 ? kLongestDoubled<Cell> : firstRun(channels);
+    }
 
     static Scratch placeScratch(void* buffer, const Sizes& sizes) {
         Area area(buffer);
@@ -287,7 +292,16 @@ class Engine {
     void makePlane(int p, Image<const Cell> source, int64_t first, int64_t rows) {
         const Plan::Plane& plane = plan_.plane(p);
         const int64_t runs = to_ - from_ - plane.run + 1;
-        if (runs > 0) combine(source, planeRows(p, first), runs * job_.channels, rows, plane.terms());
+        if (runs <= 0) return;
+        const Image<Cell> to = planeRows(p, first);
+        // The rows of planes have room for as many vectors as fill a cache line.
+        if (plane.parts == 0) return combineDoubled<P>(source, to, evenVectors(runs), rows, plane.run);
+        combine(source, to, runs * job_.channels, rows, plane.terms());
+    }
+
+    static int64_t evenVectors(int64_t cells) {
+        constexpr int64_t kTwo = 2 * Vec<Cell>::lanes;
+        return (cells + kTwo - 1) / kTwo * 2;
     }
 
     Image<Pixel> destination(int64_t x, int64_t y) const {

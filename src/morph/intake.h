@@ -22,7 +22,7 @@ class RowIntake {
     using Cell = typename P::Cell;
 
     // The height above which combineTall is faster than combineColumns.
-    static constexpr int32_t kTallest = 16;
+    static constexpr int32_t kTallest = 10;
 
     // `src` begins at the first readable column and has size.width elements in each of size.height rows. A
     // row that is nowhere consists of the `period` elements at `value`, repeated. `copies` has room for as

@@ -2,10 +2,12 @@
 //
 // Plane 0 holds the rows as they come in. Every other plane holds the maxima of horizontal runs of one
 // length, made from those of a shorter length: a run of n from runs of m in ceil(n / m) loads, the last of
-// which overlaps. Blocks of the mask whose length no plane has take the longest runs that fit.
+// which overlaps; or from single elements by doubling in the registers. Blocks of the mask whose length no
+// plane has take the longest runs that fit.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 
 #include "morph/combine.h"
@@ -27,16 +29,22 @@ class Plan {
         int32_t run;     // the length of its runs
         int32_t source;  // the plane that it is made from
         bool inTerms;    // whether output pixels combine its runs
-        int32_t parts;
+        int32_t parts;   // none when it is made by doubling
         Term steps[kMostParts];
 
         TermList terms() const { return {steps, {parts, 0, 0}, 0}; }
     };
 
     // `terms` has room for two terms per element of the mask, `weights` for a number per column and one more.
-    // `firstRun` is the length of runs that is cheap to make at once.
-    Plan(const Spec& spec, int channels, int32_t firstRun, Window window, Term* terms, int64_t* weights)
-        : channels_(channels), firstRun_(firstRun), window_(window), terms_{terms, {}, 0} {
+    // `firstRun` is the length of runs that is cheap to make at once, `longestDoubled` that up to which they
+    // are made by doubling.
+    Plan(const Spec& spec, int channels, int32_t firstRun, int32_t longestDoubled, Window window, Term* terms,
+         int64_t* weights)
+        : channels_(channels),
+          firstRun_(firstRun),
+          longestDoubled_(longestDoubled),
+          window_(window),
+          terms_{terms, {}, 0} {
         choosePlanes(spec, weights);
         // A rectangle's plane 0 holds its vertical maxima; only its run along the rows is left.
         const bool upright = spec.isRectangle();
@@ -90,9 +98,13 @@ class Plan {
     void addPlane(int32_t length) {
         Plane& plane = planes_[planeCount_];
         plane = {length, planeFor(length), false, 0, {}};
-        visitParts(length, planes_[plane.source].run, [&](int64_t offset) {
-            plane.steps[plane.parts++] = {offset, 1};
-        });
+        const bool isDoubled = plane.source == 0 && length > firstRun_ && length <= longestDoubled_ &&
+                               std::has_single_bit(static_cast<uint32_t>(length));
+        if (!isDoubled) {
+            visitParts(length, planes_[plane.source].run, [&](int64_t offset) {
+                plane.steps[plane.parts++] = {offset, 1};
+            });
+        }
         ++planeCount_;
     }
 
@@ -139,13 +151,15 @@ class Plan {
                     considerPlane(length, longest, weights);
             }
         }
-        while (partsOf(longest) > std::max(4, firstRun_)) addPlane(nextRun(longest));
+        while (partsOf(longest) > (planeCount_ == 1 ? firstRun_ : 4)) addPlane(nextRun(longest));
     }
 
     // The length of runs to make next on the way to a longer one.
     int32_t nextRun(int32_t length) const {
         const int32_t run = planes_[planeFor(length)].run;
-        return run == 1 ? firstRun_ : 4 * run;
+        if (run > 1) return 4 * run;
+        const int32_t doubled = static_cast<int32_t>(std::bit_floor(static_cast<uint32_t>(length - 1)));
+        return std::clamp(doubled, firstRun_, longestDoubled_);
     }
 
     void considerPlane(int32_t length, int32_t longest, const int64_t* weights) {
@@ -168,7 +182,7 @@ class Plan {
     }
 
     int channels_;
-    int32_t firstRun_;
+    int32_t firstRun_, longestDoubled_;
     Window window_;
     int planeCount_ = 0;
     Plane planes_[kMaxPlanes];

@@ -53,6 +53,10 @@ class Spec {
     // A block with its place in the mask.
     struct Place {
         int32_t row, column, length, height;
+
+        bool has(int32_t x, int32_t y) const {
+            return x >= column && x < column + length && y >= row && y < row + height;
+        }
     };
     Place block(int32_t i) const {
         Block block;
@@ -67,7 +71,7 @@ class Spec {
         if (header_.shape == Shape::Empty) return true;
         if (header_.blockCount != 1) return false;
         const Place b = block(0);
-        return b.length == 1 && b.height == 1 && b.row == header_.anchorY && b.column == header_.anchorX;
+        return b.length == 1 && b.height == 1 && b.has(header_.anchorX, header_.anchorY);
     }
     // Whether the mask is one upright rectangle.
     bool isRectangle() const { return header_.blockCount == 1 && header_.slope == 0; }

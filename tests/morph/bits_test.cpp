@@ -143,6 +143,41 @@ TEST(DilateErodeBits, AllOffsets) {
     }
 }
 
+// A rectangle at any place in a mask that is hardly larger.
+Mask rectangleIn(int width, int height, Random& random) {
+    const int left = random.integer(0, 1), right = random.integer(0, 1);
+    const int above = random.integer(0, 1), below = random.integer(0, 1);
+    return {left + width + right, above + height + below, [=](int i, int j) {
+                return i >= left && i < left + width && j >= above && j < above + height ? 1 : 0;
+            }};
+}
+
+TEST(DilateErodeBits, SmallRectanglesOverWideRows) {
+    Random random(23);
+    for (int srcOffset = 0; srcOffset < 8; ++srcOffset) {
+        for (int dstOffset = 0; dstOffset < 8; ++dstOffset) {
+            const Mask mask = rectangleIn(random.integer(1, 5), random.integer(1, 4), random);
+            const RoiSize roi{random.integer(350, 700), random.integer(1, 11)};
+            expectDefinition(random, roi, mask, randomBorder(random, false), srcOffset, dstOffset,
+                             random.chance(0.5) ? 0.1 : 0.9);
+            ASSERT_FALSE(testing::Test::HasFatalFailure());
+        }
+    }
+}
+
+TEST(DilateErodeBits, RunsOfEveryLength) {
+    Random random(24);
+    for (int length = 1; length <= 30; ++length) {
+        for (int i = 0; i < 12; ++i) {
+            const Mask mask = rectangleIn(length, random.integer(1, 6), random);
+            expectDefinition(random, {random.integer(1, 400), random.integer(1, 9)}, mask,
+                             randomBorder(random, false), random.integer(0, 7), random.integer(0, 7),
+                             random.chance(0.5) ? 0.02 : 0.98);
+            ASSERT_FALSE(testing::Test::HasFatalFailure());
+        }
+    }
+}
+
 TEST(DilateErodeBits, AllMasks) {
     Random random(22);
     for (int i = 0; i < 400; ++i) {

@@ -139,6 +139,12 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
         expectDefinition(e, random, roi, mask, randomBorder(random, true),
                          random.chance(0.5) ? 1.0 / (roi.width * roi.height) : 0);
     }
+    // Rectangles of every length that is reached in other steps.
+    for (int length = 8; length <= 70 && !testing::Test::HasFatalFailure(); ++length) {
+        const Mask mask(length, random.integer(1, 20), [](int, int) { return 1; });
+        expectDefinition(e, random, {random.integer(1, 150), random.integer(1, 8)}, mask,
+                         randomBorder(random, true), random.chance(0.2) ? 0.01 : 0);
+    }
     // Wide enough for several strips, high enough for several blocks of rows.
     for (const Mask& mask :
          {Mask(3, 3, [](int, int) { return 1; }), Mask(70, 2, [](int i, int) { return i % 7; }),
