@@ -35,8 +35,57 @@ Setup toGray(okpStatus (*f)(const T*, int32_t, T*, int32_t, RoiSize, int32_t), i
     };
 }
 
+// What a mask needs for each output: its taps in one row, what becomes of that row by scalings (by powers of
+// two) and additions, and the additions to the sums of the outputs that see it. The columns share their rows'
+// results. Bytes are widened as they are loaded.
+struct MaskWork {
+    double taps, scalings, additions;
+
+    template <class S>
+    bench::Work work() const {
+        if constexpr (sizeof(S) == 4) {
+            return {.elements = 4,
+                    .multiplications = scalings,
+                    .additions = additions,
+                    .loads = taps,
+                    .stores = 1};
+        }
+        return {.elements = 8, .others = scalings + additions + taps, .loads = taps, .stores = 1};
+    }
+};
+struct CrossWork {
+    template <class S>
+    static bench::Work work(int length) {
+        // The tap in the middle is zero.
+        return (length == 3 ? MaskWork{2, 0, 2} : MaskWork{4, 3, 6}).work<S>();
+    }
+};
+struct LaplacianWork {
+    template <class S>
+    static bench::Work work(int length) {
+        return (length == 3 ? MaskWork{3, 2, 3} : MaskWork{5, 6, 11}).work<S>();
+    }
+};
+struct BoxWork {
+    template <class S>
+    static bench::Work work(int length) {
+        const double between = length - 1;  // additions along a row, and down a column
+        if constexpr (sizeof(S) == 4) {
+            // The division counts as one multiplication, of which it takes the place.
+            return MaskWork{between + 1, 1, 2 * between}.work<S>();
+        }
+        // One instruction adds two neighbouring bytes; even and odd outputs, which share all but one of their
+        // bytes, are summed, divided by a multiplication and put together.
+        return {.elements = 16,
+                .multiplications = between / 2 + 2,
+                .others = 2 + (between / 2 - 1) + 2 + 2 * between + 2,
+                .loads = between + 1,
+                .stores = 1};
+    }
+};
+
 // Peer(source, destination, mask length) calls the peer.
-template <class S, class D, class Peer>
+template <class Work, class S, class D, class Peer>
 Setup fixedMask(okpStatus (*f)(const S*, int32_t, D*, int32_t, RoiSize, MaskSizeCode, BorderKind, S, void*),
                 okpStatus (*bufferSize)(RoiSize, MaskSizeCode, int32_t*), int length, const char* peerName,
                 [[maybe_unused]] Peer peer) {
@@ -49,6 +98,7 @@ Setup fixedMask(okpStatus (*f)(const S*, int32_t, D*, int32_t, RoiSize, MaskSize
         const Image<uint8_t> buffer({bytes, 1});
         return Case{.reads = sizeof(S),
                     .writes = sizeof(D),
+                    .cycles = Work::template work<S>(length).cyclesPerElement(),
                     .ours =
                         [=] {
                             return f(src.data(), src.step(), dst.data(), dst.step(), size, mask,
@@ -88,19 +138,19 @@ const bench::Family family_("derivatives", [](bench::Family& family) {
     }
     for (const int length : {3, 5}) {
         const std::string variant = "/k" + std::to_string(length);
-#define FIXED_MASK(NAME, QUERY, PEER_NAME, PEER) \
-    family.add(#NAME + variant, fixedMask(NAME, QUERY, length, PEER_NAME, PEER), kDerivativeSizes)
-        FIXED_MASK(okpiFilterLowpassBorder_8u_C1R, okpiFilterLowpassGetBufferSize_8u_C1R, "cv::boxFilter",
-                   box);
-        FIXED_MASK(okpiFilterLowpassBorder_32f_C1R, okpiFilterLowpassGetBufferSize_32f_C1R, "cv::boxFilter",
-                   box);
+#define FIXED_MASK(NAME, QUERY, WORK, PEER_NAME, PEER) \
+    family.add(#NAME + variant, fixedMask<WORK>(NAME, QUERY, length, PEER_NAME, PEER), kDerivativeSizes)
+        FIXED_MASK(okpiFilterLowpassBorder_8u_C1R, okpiFilterLowpassGetBufferSize_8u_C1R, BoxWork,
+                   "cv::boxFilter", box);
+        FIXED_MASK(okpiFilterLowpassBorder_32f_C1R, okpiFilterLowpassGetBufferSize_32f_C1R, BoxWork,
+                   "cv::boxFilter", box);
         FIXED_MASK(okpiFilterSobelCrossBorder_8u16s_C1R, okpiFilterSobelCrossGetBufferSize_8u16s_C1R,
+                   CrossWork, "cv::Sobel", cross);
+        FIXED_MASK(okpiFilterSobelCrossBorder_32f_C1R, okpiFilterSobelCrossGetBufferSize_32f_C1R, CrossWork,
                    "cv::Sobel", cross);
-        FIXED_MASK(okpiFilterSobelCrossBorder_32f_C1R, okpiFilterSobelCrossGetBufferSize_32f_C1R, "cv::Sobel",
-                   cross);
         FIXED_MASK(okpiFilterLaplacianBorder_8u16s_C1R, okpiFilterLaplacianGetBufferSize_8u16s_C1R,
-                   "cv::Laplacian", laplacian);
-        FIXED_MASK(okpiFilterLaplacianBorder_32f_C1R, okpiFilterLaplacianGetBufferSize_32f_C1R,
+                   LaplacianWork, "cv::Laplacian", laplacian);
+        FIXED_MASK(okpiFilterLaplacianBorder_32f_C1R, okpiFilterLaplacianGetBufferSize_32f_C1R, LaplacianWork,
                    "cv::Laplacian", laplacian);
 #undef FIXED_MASK
     }

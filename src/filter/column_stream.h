@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "core/numbers.h"
 #include "core/simd.h"
 #include "filter/weighted_sum.h"
 
@@ -55,7 +56,7 @@ class ColumnStream {
 
     // Elements of state for rows of `count` elements.
     static constexpr int64_t stateElements(int64_t length, int64_t count) {
-        return (length - 1) * (count + Vec<float>::lanes);
+        return (length - 1) * roundUp(count, Vec<float>::lanes);
     }
 
     template <class K>

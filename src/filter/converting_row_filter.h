@@ -27,16 +27,13 @@ class RowFilter<S, Channels, D, float, ConvertingRowPass<S, K, Channels>> {
     using RowPass = ConvertingRowPass<S, K, Channels>;
 
     // As of the general RowFilter.
-    RowFilter(const SeparableTask<S, Channels, D>& task, const RowPass& pass, S* window, const float* outside)
-        : task_(task), pass_(pass), window_(window), outside_(outside) {}
+    RowFilter(const SeparableTask<S, Channels, D>& task, const RowPass& pass, Windows<S> windows,
+              const float* outside)
+        : task_(task), pass_(pass), window_(windows.first), outside_(outside) {}
 
-    void filter(float* out, int64_t y, int64_t from, int64_t to) const {
-        const int64_t stretch = pass_.scratchCount / Channels - (task_.row.length - 1);
-        for (int64_t x = from; x < to; x += stretch) {
-            const int64_t end = to - x < stretch ? to : x + stretch;
-            convertRow(task_.src.row(y), x - task_.row.anchor, end + task_.row.behind());
-            pass_.pass(out + (x - from) * Channels, pass_.scratch, (end - x) * Channels);
-        }
+    __attribute__((noinline)) void filter(float* const* out, const int64_t* y, int64_t count, int64_t from,
+                                          int64_t to) const {
+        for (int64_t i = 0; i < count; ++i) filterRow(out[i], task_.src.row(y[i]), from, to);
     }
 
     void fillOutside(float* out, int64_t from, int64_t to) const {
@@ -44,6 +41,15 @@ class RowFilter<S, Channels, D, float, ConvertingRowPass<S, K, Channels>> {
     }
 
   private:
+    void filterRow(float* out, const S* row, int64_t from, int64_t to) const {
+        const int64_t stretch = pass_.scratchCount / Channels - (task_.row.length - 1);
+        for (int64_t x = from; x < to; x += stretch) {
+            const int64_t end = to - x < stretch ? to : x + stretch;
+            convertRow(row, x - task_.row.anchor, end + task_.row.behind());
+            float* const at = out + (x - from) * Channels;
+            pass_.pass(&at, &pass_.scratch, 1, (end - x) * Channels);
+        }
+    }
     // Columns `from` to `to` - 1, of which the border produces those outside the region.
     void convertRow(const S* row, int64_t from, int64_t to) const {
         const int64_t width = task_.size.width;

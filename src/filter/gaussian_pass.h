@@ -300,17 +300,23 @@ template <int Channels>
 struct ThreeTapRowPass {
     ThreeTaps taps;
 
-    __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(int16_t* const* out, const uint8_t* const* in, int64_t rows,
+                                              int64_t count) const {
+        constexpr int lanes = Vec<int16_t>::lanes;
         const ThreeTaps t = taps;
-        forBlocks<2, Vec<int16_t>::lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-            for (int v = 0; v < block.vectors; ++v) {
-                const int64_t at = x + v * Vec<int16_t>::lanes;
-                const auto word = [&](int64_t i) OKPCV_INLINE_LAMBDA {
-                    return loadAs<int16_t>(in + at + i * Channels, extent);
-                };
-                store(out + at, t.result(word(0), word(1), word(2)), extent);
-            }
-        });
+        for (int64_t r = 0; r < rows; ++r) {
+            const uint8_t* const row = in[r];
+            int16_t* const results = out[r];
+            forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                for (int v = 0; v < block.vectors; ++v) {
+                    const int64_t at = x + v * lanes;
+                    const auto word = [&](int64_t i) OKPCV_INLINE_LAMBDA {
+                        return loadAs<int16_t>(row + at + i * Channels, extent);
+                    };
+                    store(results + at, t.result(word(0), word(1), word(2)), extent);
+                }
+            });
+        }
     }
 };
 
@@ -342,8 +348,11 @@ template <int Channels>
 struct ByteRowPass {
     const ByteTaps& taps;
 
-    __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
-        const auto runLength = [&](auto length) OKPCV_INLINE_LAMBDA { run<length>(out, in, count); };
+    __attribute__((noinline)) void operator()(int16_t* const* out, const uint8_t* const* in, int64_t rows,
+                                              int64_t count) const {
+        const auto runLength = [&](auto length) OKPCV_INLINE_LAMBDA {
+            for (int64_t r = 0; r < rows; ++r) run<length>(out[r], in[r], count);
+        };
         const int64_t length = 2 * taps.half() + 1;
         if constexpr (Channels == 1) {
             withConstant<3, 5, 7, 9, 11>(length, runLength);
@@ -483,38 +492,43 @@ template <class T, int Channels>
 struct WordRowPass {
     const WordTaps<T>& wordTaps;
 
-    __attribute__((noinline)) void operator()(int16_t* out, const T* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(int16_t* const* out, const T* const* in, int64_t rows,
+                                              int64_t count) const {
         const WordTaps<T> taps = wordTaps;
         withGaussianLength(taps.length(), [&](auto length) OKPCV_INLINE_LAMBDA {
-            const int64_t pairs = length != 0 ? length / 2 : taps.pairs();
-            const Vec<int32_t> start = taps.start();
-            forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-                constexpr int n = block.vectors;
-                const T* p = in + x;
-                Vec<int32_t> first[n], second[n];
-                for (int v = 0; v < n; ++v) first[v] = second[v] = start;
-                const auto add = [&](int64_t i) OKPCV_INLINE_LAMBDA {
-                    const Vec<int16_t> c = taps.pair(i);
-                    for (int v = 0; v < n; ++v) addPair(first[v], second[v], c, p + v * lanes, extent);
-                    p += 2 * Channels;
-                };
-                if constexpr (length != 0) {
-                    unrolled<length / 2>([&](auto i) OKPCV_INLINE_LAMBDA { add(i); });
-                } else {
-                    for (int64_t i = 0; i < pairs; ++i) add(i);
-                }
-                for (int v = 0; v < n; ++v) {
-                    addLast(first[v], second[v], taps.pair(pairs), taps.pair(pairs + 1), p + v * lanes,
-                            extent);
-                    const Vec<int16_t> results = taps.results(first[v], second[v]);
-                    store(out + x + v * lanes, Channels == 1 ? interleaveHalves(results) : results, extent);
-                }
-            });
+            for (int64_t r = 0; r < rows; ++r) run<length>(taps, out[r], in[r], count);
         });
     }
 
   private:
     static constexpr int lanes = Vec<int16_t>::lanes;
+
+    template <int Length>
+    static OKPCV_INLINE void run(const WordTaps<T>& taps, int16_t* out, const T* in, int64_t count) {
+        const int64_t pairs = Length != 0 ? Length / 2 : taps.pairs();
+        const Vec<int32_t> start = taps.start();
+        forBlocks<2, lanes>(count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+            constexpr int n = block.vectors;
+            const T* p = in + x;
+            Vec<int32_t> first[n], second[n];
+            for (int v = 0; v < n; ++v) first[v] = second[v] = start;
+            const auto add = [&](int64_t i) OKPCV_INLINE_LAMBDA {
+                const Vec<int16_t> c = taps.pair(i);
+                for (int v = 0; v < n; ++v) addPair(first[v], second[v], c, p + v * lanes, extent);
+                p += 2 * Channels;
+            };
+            if constexpr (Length != 0) {
+                unrolled<Length / 2>([&](auto i) OKPCV_INLINE_LAMBDA { add(i); });
+            } else {
+                for (int64_t i = 0; i < pairs; ++i) add(i);
+            }
+            for (int v = 0; v < n; ++v) {
+                addLast(first[v], second[v], taps.pair(pairs), taps.pair(pairs + 1), p + v * lanes, extent);
+                const Vec<int16_t> results = taps.results(first[v], second[v]);
+                store(out + x + v * lanes, Channels == 1 ? interleaveHalves(results) : results, extent);
+            }
+        });
+    }
 
     // Of a single channel, the first sums are those of even elements and the second those of odd ones; of
     // several, those of the first and the second half.
@@ -732,17 +746,25 @@ struct FoldedRowPass {
     const float* kernel;
     int64_t length;
 
-    __attribute__((noinline)) void operator()(float* out, const float* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(float* const* out, const float* const* in, int64_t rows,
+                                              int64_t count) const {
         withGaussianLength(length, [&](auto fixed) OKPCV_INLINE_LAMBDA {
             constexpr int lanes = Vec<float>::lanes;
             const FoldedTaps<fixed> taps(kernel, length);
-            forBlocks<taps.vectors, lanes>(count, [&](auto block, auto extent,
-                                                      int64_t x) OKPCV_INLINE_LAMBDA {
-                Vec<float> acc[block.vectors];
-                taps.sum(
-                    acc, [p = in + x](int64_t i) OKPCV_INLINE_LAMBDA { return p + i * Channels; }, extent);
-                for (int v = 0; v < block.vectors; ++v) store(out + x + v * lanes, acc[v], extent);
-            });
+            for (int64_t r = 0; r < rows; ++r) {
+                const float* const row = in[r];
+                float* const results = out[r];
+                forBlocks<taps.vectors, lanes>(
+                    count, [&](auto block, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                        const auto tap = [p = row + x](int64_t i)
+                                             OKPCV_INLINE_LAMBDA { return p + i * Channels; };
+                        Vec<float> acc[block.vectors];
+                        taps.sum(acc, tap, extent);
+                        for (int v = 0; v < block.vectors; ++v) {
+                            store(results + x + v * lanes, acc[v], extent);
+                        }
+                    });
+            }
         });
     }
 };

@@ -109,9 +109,12 @@ struct IntegerRowPass {
     float scale;
 
     template <class Out, class S>
-    __attribute__((noinline)) void operator()(Out* out, const S* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(Out* const* out, const S* const* in, int64_t rows,
+                                              int64_t count) const {
         // The lengths whose coefficients fit in registers.
-        withConstant<3, 5, 7, 9>(length, [&](auto known) OKPCV_INLINE_LAMBDA { run<known>(out, in, count); });
+        withConstant<3, 5, 7, 9>(length, [&](auto known) OKPCV_INLINE_LAMBDA {
+            for (int64_t r = 0; r < rows; ++r) run<known>(out[r], in[r], count);
+        });
     }
 
   private:
@@ -483,12 +486,14 @@ struct PairedRowPass {
     const PairedKernel& kernel;
     int16_t start;
 
-    __attribute__((noinline)) void operator()(int16_t* out, const uint8_t* in, int64_t count) const {
+    __attribute__((noinline)) void operator()(int16_t* const* out, const uint8_t* const* in, int64_t rows,
+                                              int64_t count) const {
         withConstant<2, 3, 4, 5, 6, 7, 8>(kernel.terms(), [&](auto known) OKPCV_INLINE_LAMBDA {
             if constexpr (known != 0) {
-                run(FixedTerms<known>(kernel), out, in, count);
+                const FixedTerms<known> terms(kernel);
+                for (int64_t r = 0; r < rows; ++r) run(terms, out[r], in[r], count);
             } else {
-                run(AnyTerms(kernel), out, in, count);
+                for (int64_t r = 0; r < rows; ++r) run(AnyTerms(kernel), out[r], in[r], count);
             }
         });
     }

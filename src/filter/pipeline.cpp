@@ -71,9 +71,9 @@ okpStatus filterRows(const RowPipeline<S, D, Channels, K>& call) {
     const float scale = 1.0F / static_cast<float>(call.divisor);
 
     const auto run = [&](const auto& pass) {
-        const RowFilter<S, Channels, D, D, std::remove_cvref_t<decltype(pass)>> rows(task, pass, window,
+        const RowFilter<S, Channels, D, D, std::remove_cvref_t<decltype(pass)>> rows(task, pass, {window, 1},
                                                                                      nullptr);
-        for (int64_t y = 0; y < size.height; ++y) rows.filter(call.dstRows[y], y, 0, size.width);
+        for (int64_t y = 0; y < size.height; ++y) rows.filter(call.dstRows + y, &y, 1, 0, size.width);
     };
     const DenormalExceptionMask mask;
     if constexpr (kInIntegers<S, K>) {

@@ -74,7 +74,7 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
 template <class S, int Channels>
 struct WorkBuffer {
     bool streamed = false;
-    S* window;  // of the stream engine
+    Windows<S> windows;  // of the stream engine
     float* streamState;
     SeparableBuffer<S, float> engine;
     float* scratch;
@@ -96,7 +96,9 @@ struct WorkBuffer {
 
         if (canStream) {
             const auto layOut = [&](Area& area) {
-                window = area.take<S>(windowPixels<float>(row) * Channels, kVectorBytes);
+                windows.count = kRowsTogether;
+                windows.first =
+                    area.take<S>(windows.count * windowPixels<float>(row) * Channels, kVectorBytes);
                 streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
             };
             Area counted;
@@ -106,7 +108,7 @@ struct WorkBuffer {
             if (streamed) {
                 Area placed(memory);
                 layOut(placed);
-                takeScratch(placed, tilePixels<Channels>() * Channels);
+                takeScratch(placed, tilePixels<S, Channels>() * Channels);
                 return;
             }
         }
@@ -182,7 +184,7 @@ void filterWith(const SeparableSpec& spec, const SeparableTask<S, Channels, D>& 
     const auto run = [&](const auto& rowPass) {
         const int64_t length = task.column.length;
         if (buffer.streamed) {
-            filterStreamed(task, buffer.window, buffer.streamState, outside, rowPass,
+            filterStreamed(task, buffer.windows, buffer.streamState, outside, rowPass,
                            ColumnStream<D>(columnKernel, length, columnScale));
         } else {
             filterSeparable(task, buffer.engine, outside, rowPass,

@@ -102,7 +102,7 @@ template <class S, class Mid>
 struct SeparableBuffer {
     RingShape shape;
     const Mid** rows;  // what the taps of the current output rows see
-    S* window;
+    Windows<S> windows;
     Mid* ring;
 };
 
@@ -111,7 +111,9 @@ SeparableBuffer<S, Mid> layOutSeparable(Area& area, Reach row, Reach column, Rin
     SeparableBuffer<S, Mid> buffer;
     buffer.shape = shape;
     buffer.rows = area.take<const Mid*>(shape.rows(column));
-    buffer.window = area.take<S>(windowPixels<Mid>(row) * Channels, kVectorBytes);
+    buffer.windows.count = shape.batch < kRowsTogether ? shape.batch : kRowsTogether;
+    buffer.windows.first =
+        area.take<S>(buffer.windows.count * windowPixels<Mid>(row) * Channels, kVectorBytes);
     buffer.ring = area.take<Mid>(shape.rows(column) * shape.pitch, kCacheLineBytes);
     return buffer;
 }
@@ -131,7 +133,16 @@ void filterStrip(const SeparableTask<S, Channels, D>& task, const SeparableBuffe
     const int64_t end = task.border.bottomInMemory() ? height + column.behind() : height;
     int64_t next = task.border.topInMemory() ? -column.anchor : 0;
     const auto filterTo = [&](int64_t last) {
-        for (; next <= last && next < end; ++next) rowFilter.filter(slot(next), next, from, to);
+        while (next <= last && next < end) {
+            Mid* out[kRowsTogether];
+            int64_t y[kRowsTogether];
+            int64_t count = 0;
+            for (; count < kRowsTogether && next <= last && next < end; ++count, ++next) {
+                out[count] = slot(next);
+                y[count] = next;
+            }
+            rowFilter.filter(out, y, count, from, to);
+        }
     };
     // The row that a tap sees at row y, inside the region or outside.
     const auto intermediate = [&](int64_t y) -> const Mid* {
@@ -165,7 +176,7 @@ void filterStrip(const SeparableTask<S, Channels, D>& task, const SeparableBuffe
 template <class S, int Channels, class D, class Mid, class RowPass, class ColumnPass>
 void filterSeparable(const SeparableTask<S, Channels, D>& task, const SeparableBuffer<S, Mid>& buffer,
                      const Mid* outside, const RowPass& rowPass, const ColumnPass& columnPass) {
-    const RowFilter<S, Channels, D, Mid, RowPass> rowFilter(task, rowPass, buffer.window, outside);
+    const RowFilter<S, Channels, D, Mid, RowPass> rowFilter(task, rowPass, buffer.windows, outside);
     for (int64_t x = 0; x < task.size.width; x += buffer.shape.strip) {
         const int64_t left = task.size.width - x;
         const int64_t width = left < buffer.shape.strip ? left : buffer.shape.strip;

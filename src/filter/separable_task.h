@@ -40,6 +40,16 @@ struct SeparableTask {
     bool inPlace() const { return static_cast<const void*>(src.data) == dst.data; }
 };
 
+// Rows that a row pass filters in one call.
+inline constexpr int64_t kRowsTogether = 8;
+
+// Memory for the windows of as many rows, at most kRowsTogether, as are filtered together: windowPixels() each.
+template <class S>
+struct Windows {
+    S* first;
+    int64_t count;
+};
+
 // What a window holds at most: the taps around the outputs of one side, which come in whole vectors.
 template <class Mid>
 constexpr int64_t windowPixels(Reach kernel) {
@@ -59,10 +69,11 @@ void fillPixels(T* out, int64_t count, const T* value) {
 template <class S, int Channels, class D, class Mid, class RowPass>
 class RowFilter {
   public:
-    // `window` must hold windowPixels<Mid>(). `outside` holds, per channel, what the row pass makes of a row
-    // of border values; it is read for the constant kind only.
-    RowFilter(const SeparableTask<S, Channels, D>& task, const RowPass& pass, S* window, const Mid* outside)
-        : task_(task), pass_(pass), window_(window), outside_(outside) {
+    // `outside` holds, per channel, what the row pass makes of a row of border values; it is read for the
+    // constant kind only.
+    RowFilter(const SeparableTask<S, Channels, D>& task, const RowPass& pass, Windows<S> windows,
+              const Mid* outside)
+        : task_(task), pass_(pass), windows_(windows), outside_(outside) {
         const int64_t width = task.size.width;
         left_ = task.border.leftInMemory() ? 0 : roundUp(task.row.anchor, kGroup);
         if (left_ > width) left_ = width;
@@ -70,25 +81,22 @@ class RowFilter {
         if (right_ < left_) right_ = left_;
     }
 
-    // Columns `from` to `to` - 1 of the intermediate row of source row y, which must be readable.
-    void filter(Mid* out, int64_t y, int64_t from, int64_t to) const {
-        const S* const row = task_.src.row(y);
+    // Columns `from` to `to` - 1 of `count` intermediate rows: out[i] is made of source row y[i], which must be
+    // readable.
+    __attribute__((noinline)) void filter(Mid* const* out, const int64_t* y, int64_t count, int64_t from,
+                                          int64_t to) const {
         const int64_t begin = left_ < from ? from : left_ < to ? left_ : to;
         const int64_t end = right_ < begin ? begin : right_ < to ? right_ : to;
-        // The pass over the window comes late, when what was written into it can be read again at once.
-        if (from < begin) fillWindow(row, from, begin);
-        if (begin < end) {
-            pass_(out + (begin - from) * Channels, row + (begin - task_.row.anchor) * Channels,
-                  (end - begin) * Channels);
-        }
-        if (from < begin) pass_(out, window_, (begin - from) * Channels);
-        if (end < to) {
-            fillWindow(row, end, to);
-            pass_(out + (end - from) * Channels, window_, (to - end) * Channels);
+        for (int64_t i = 0; i < count; i += windows_.count) {
+            const int64_t left = count - i;
+            const Rows rows{out + i, y + i, left < windows_.count ? left : windows_.count, from};
+            if (from < begin) filterSide(rows, from, begin);
+            if (begin < end) filterInside(rows, begin, end);
+            if (end < to) filterSide(rows, end, to);
         }
     }
 
-    // The same of a row of border values.
+    // The same of one row of border values.
     void fillOutside(Mid* out, int64_t from, int64_t to) const {
         fillPixels<Channels>(out, to - from, outside_);
     }
@@ -96,16 +104,44 @@ class RowFilter {
   private:
     static constexpr int64_t kGroup = Vec<Mid>::lanes;
 
-    // What the taps of columns `from` to `to` - 1 see.
-    void fillWindow(const S* row, int64_t from, int64_t to) const {
-        const int64_t first = from - task_.row.anchor;
-        produceColumns<Channels>(window_, row, task_.size.width, first,
-                                 first + (to - from) + task_.row.length - 1, task_.border, task_.borderValue);
+    // What filter() is called for, of as many rows as there are windows. Column `from` comes first in them.
+    struct Rows {
+        Mid* const* out;
+        const int64_t* y;
+        int64_t count;
+        int64_t from;
+    };
+
+    // Columns `from` to `to` - 1, whose taps are all inside the region or in memory.
+    void filterInside(const Rows& rows, int64_t from, int64_t to) const {
+        const S* in[kRowsTogether];
+        for (int64_t i = 0; i < rows.count; ++i) {
+            in[i] = task_.src.row(rows.y[i]) + (from - task_.row.anchor) * Channels;
+        }
+        filterFrom(in, rows, from, to);
+    }
+    // Columns `from` to `to` - 1, some of whose taps are not.
+    void filterSide(const Rows& rows, int64_t from, int64_t to) const {
+        const S* in[kRowsTogether];
+        for (int64_t i = 0; i < rows.count; ++i) in[i] = filledWindow(i, rows.y[i], from, to);
+        filterFrom(in, rows, from, to);
+    }
+    // Window i with what the taps of these columns see. Not inline: compilers write the loop out.
+    __attribute__((noinline)) const S* filledWindow(int64_t i, int64_t y, int64_t from, int64_t to) const {
+        S* const window = windows_.first + i * windowPixels<Mid>(task_.row) * Channels;
+        produceColumns<Channels>(window, task_.src.row(y), task_.size.width, from - task_.row.anchor,
+                                 to + task_.row.behind(), task_.border, task_.borderValue);
+        return window;
+    }
+    void filterFrom(const S* const* in, const Rows& rows, int64_t from, int64_t to) const {
+        Mid* out[kRowsTogether];
+        for (int64_t i = 0; i < rows.count; ++i) out[i] = rows.out[i] + (from - rows.from) * Channels;
+        pass_(out, in, rows.count, (to - from) * Channels);
     }
 
     const SeparableTask<S, Channels, D>& task_;
     const RowPass& pass_;
-    S* window_;
+    Windows<S> windows_;
     const Mid* outside_;
     int64_t left_, right_;
 };

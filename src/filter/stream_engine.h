@@ -21,29 +21,29 @@
 
 namespace okpcv {
 
-// Elements of a tile's row; the tile is kept on the stack. Longer ones crowd the rows of the destination out of
-// the first-level cache.
-inline constexpr int64_t kTileElements = 288;
+// Elements of a tile's row; the tile is kept on the stack. Short rows let float images come from memory and go to
+// it evenly, at the price of more calls; of smaller elements calls are what counts. Whole blocks of the row pass's
+// vectors, for any number of channels.
+template <class S>
+inline constexpr int64_t kTileElements = kIsFloat<S> ? 96 : 288;
 
-template <int Channels>
+template <class S, int Channels>
 constexpr int64_t tilePixels() {
-    return kTileElements / Channels / Vec<float>::lanes * Vec<float>::lanes;
+    return kTileElements<S> / Channels / Vec<float>::lanes * Vec<float>::lanes;
 }
 
 // Elements that the column stream keeps for a region of this width.
 template <int Channels>
 constexpr int64_t streamStateElements(Reach column, int64_t width) {
-    const int64_t tiles = (width + tilePixels<Channels>() - 1) / tilePixels<Channels>();
-    return tiles * ColumnStream<float>::stateElements(column.length, 0) +
-           (column.length - 1) * width * Channels;
+    return ColumnStream<float>::stateElements(column.length, width * Channels);
 }
 
-// Filters the region. `window` must hold windowPixels<float>() pixels, `state` streamStateElements().
+// Filters the region. `state` must hold streamStateElements().
 template <class S, int Channels, class D, class RowPass>
-void filterStreamed(const SeparableTask<S, Channels, D>& task, S* window, float* state, const float* outside,
-                    const RowPass& rowPass, const ColumnStream<D>& columnStream) {
-    const RowFilter<S, Channels, D, float, RowPass> rowFilter(task, rowPass, window, outside);
-    alignas(kCacheLineBytes) float tile[kStreamBatch][kTileElements];
+void filterStreamed(const SeparableTask<S, Channels, D>& task, Windows<S> windows, float* state,
+                    const float* outside, const RowPass& rowPass, const ColumnStream<D>& columnStream) {
+    const RowFilter<S, Channels, D, float, RowPass> rowFilter(task, rowPass, windows, outside);
+    alignas(kCacheLineBytes) float tile[kStreamBatch][kTileElements<S>];
     const float* rows[kStreamBatch];
     for (int r = 0; r < kStreamBatch; ++r) rows[r] = tile[r];
 
@@ -55,18 +55,27 @@ void filterStreamed(const SeparableTask<S, Channels, D>& task, S* window, float*
     for (int64_t y = -(task.column.length - 1); y < task.size.height;) {
         const int64_t left = (y < 0 ? 0 : task.size.height) - y;
         const int64_t count = left < kStreamBatch ? left : kStreamBatch;
+        // The rows to filter, and those that hold border values.
+        float* filtered[kStreamBatch];
+        int64_t sources[kStreamBatch];
+        int64_t filteredCount = 0;
+        float* beyond[kStreamBatch];
+        int64_t beyondCount = 0;
+        for (int64_t r = 0; r < count; ++r) {
+            const int64_t source = task.border.row(y + behind + r, task.size.height);
+            if (source == Border::kValue) {
+                beyond[beyondCount++] = tile[r];
+            } else {
+                filtered[filteredCount] = tile[r];
+                sources[filteredCount++] = source;
+            }
+        }
         float* places = state;
         for (int64_t x = 0; x < task.size.width;) {
-            const int64_t end =
-                task.size.width - x < tilePixels<Channels>() ? task.size.width : x + tilePixels<Channels>();
-            for (int64_t r = 0; r < count; ++r) {
-                const int64_t source = task.border.row(y + behind + r, task.size.height);
-                if (source == Border::kValue) {
-                    rowFilter.fillOutside(tile[r], x, end);
-                } else {
-                    rowFilter.filter(tile[r], source, x, end);
-                }
-            }
+            constexpr int64_t widest = tilePixels<S, Channels>();
+            const int64_t end = task.size.width - x < widest ? task.size.width : x + widest;
+            rowFilter.filter(filtered, sources, filteredCount, x, end);
+            for (int64_t r = 0; r < beyondCount; ++r) rowFilter.fillOutside(beyond[r], x, end);
             const int64_t elements = (end - x) * Channels;
             D* const out = y < 0 ? nullptr : task.dst.row(y) + x * Channels;
             columnStream(out, task.dst.step, count, rows, elements, places);

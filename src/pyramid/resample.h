@@ -172,8 +172,9 @@ void resample(const Image<const S, Channels>& src, Size srcSize, const Image<S, 
         extendLine<Channels>(buffer.line, srcSize.width, reach, filter.phases);
         for (int i = 0; i < filter.phases; ++i) {
             const LineFilter::Phase& phase = filter.phase[i];
-            FloatRowPass<float, Channels, true>{phase.kernel, phase.length, 1.0F}(
-                buffer.filtered[i], buffer.line + phase.first * Channels, elements);
+            const float* const line = buffer.line + phase.first * Channels;
+            FloatRowPass<float, Channels, true>{phase.kernel, phase.length, 1.0F}(&buffer.filtered[i], &line,
+                                                                                  1, elements);
         }
         for (int64_t x = 0; x < dstSize.width; ++x) {
             const LineSample& s = buffer.samples[x];

@@ -213,6 +213,20 @@ TYPED_TEST(SeparableFilter, EqualsItsDefinitionForWideRegions) {
     });
 }
 
+// The outputs whose taps reach over a side stand anywhere in the stretches in which rows are filtered.
+TYPED_TEST(SeparableFilter, EqualsItsDefinitionAtAllWidths) {
+    forKernelTypes<TypeParam>([](auto k) {
+        using K = decltype(k);
+        Random random(9);
+        for (const int length : {3, 8, 9, 17}) {
+            const auto kernels = randomKernels<K>(random, length, length, 40);
+            for (int width = 1; width <= 150 / TypeParam::channels; ++width) {
+                expectDefinition<TypeParam>(random, kernels, width, 2, kBorders[random.integer(0, 23)], 4);
+            }
+        }
+    });
+}
+
 // Sums that single precision cannot hold exactly, and a scale factor, which only signed destinations read.
 TYPED_TEST(SeparableFilter, RoundsSumsOfLargeCoefficients) {
     if constexpr (!std::is_floating_point_v<typename TypeParam::D> &&
