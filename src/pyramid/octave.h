@@ -416,19 +416,25 @@ void octaveDown(const Image<const S, Channels>& src, Size srcSize, const Image<S
 
 inline void octaveDown(const Image<const uint16_t>& src, Size srcSize, const Image<uint16_t>& dst,
                        Size dstSize, const OctaveLines<int32_t>& lines) {
-    // Of the source rows from 2 * y - 2 on.
-    int32_t* sums[detail::kOctaveRowSums];
-    for (int i = 0; i < detail::kOctaveRowSums; ++i) sums[i] = lines.line[i / 2] + i % 2 * lines.odd;
-    const auto sumRow = [&](int32_t* out, int64_t y) {
-        const uint16_t* const row = src.row(mirroredPixel(y, srcSize.height, 1));
-        detail::octaveRowSums(out, dstSize.width, row, srcSize.width);
+    // The sums of source row y, -2 at least.
+    const auto sumsOf = [&](int64_t y) {
+        const int64_t i = (y + 2) % detail::kOctaveRowSums;
+        return lines.line[i / 2] + i % 2 * lines.odd;
     };
-    for (int i = 0; i < 3; ++i) sumRow(sums[i], i - 2);
+    const auto sumRow = [&](int64_t y) {
+        const uint16_t* const row = src.row(mirroredPixel(y, srcSize.height, 1));
+        detail::octaveRowSums(sumsOf(y), dstSize.width, row, srcSize.width);
+    };
+    for (int64_t y = -2; y <= 0; ++y) sumRow(y);
     int64_t y = 0;
     const auto makeRows = [&](auto rows) {
-        for (int i = 3; i < 2 * rows + 3; ++i) sumRow(sums[i], 2 * y - 2 + i);
+        constexpr int inputs = 2 * rows + 3;
+        const int32_t* sums[inputs];
+        for (int i = 0; i < inputs; ++i) {
+            sums[i] = sumsOf(2 * y - 2 + i);
+            if (i >= 3) sumRow(2 * y - 2 + i);
+        }
         detail::octaveMeans<rows>({dst.row(y), dst.step}, dstSize.width, sums);
-        std::rotate(sums, sums + 2 * rows, sums + detail::kOctaveRowSums);
     };
     for (; y + 2 <= dstSize.height; y += 2) makeRows(std::integral_constant<int, 2>{});
     if (y < dstSize.height) makeRows(std::integral_constant<int, 1>{});
