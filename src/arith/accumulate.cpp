@@ -79,17 +79,13 @@ OKPCV_INLINE Vec<S> loadSelected(const S* source, const uint8_t* mask, Extent ex
 
 enum class Stores { Ordinary, Streamed };
 
-// Beside sources of bytes the accumulator is most of what is read.
-template <class S>
-constexpr Fetch kFetch = sizeof(S) == 1 ? Fetch::FirstAhead : Fetch::AsItComes;
-
 template <int kPixels, class Kernel, class S, class... T>
 void accumulateRows(Stores stores, Size size, const Kernel& kernel, Image<float> dst, Image<const S> source,
                     const Image<T>&... others) {
     if (stores == Stores::Streamed) {
-        mapRowsStreamed<kPixels, kFetch<S>>(size, kernel, dst, source, others...);
+        mapRowsStreamed<kPixels, kFetchBeside<S>>(size, kernel, dst, source, others...);
     } else {
-        mapRows<kPixels, kFetch<S>>(size, kernel, dst, source, others...);
+        mapRows<kPixels, kFetchBeside<S>>(size, kernel, dst, source, others...);
     }
 }
 
@@ -110,7 +106,7 @@ okpStatus addTerm(Image<const S> src, Image<float> dst, RoiSize roiSize, Term te
     const auto kernel = [term](auto extent, float* d, const S* s) {
         addTo(d, term(loadAs<float>(s, extent)), extent);
     };
-    mapRows<kLanes, kFetch<S>>(size, kernel, dst, src);
+    mapRows<kLanes, kFetchBeside<S>>(size, kernel, dst, src);
     return okpStatusOk;
 }
 
@@ -144,7 +140,7 @@ okpStatus addProduct(Image<const S> src1, Image<const S> src2, Image<float> dst,
     const auto kernel = [](auto extent, float* d, const S* s, const S* t) {
         addTo(d, product(load(s, extent), load(t, extent)), extent);
     };
-    mapRows<Vec<S>::lanes, kFetch<S>>(size, kernel, dst, src1, src2);
+    mapRows<Vec<S>::lanes, kFetchBeside<S>>(size, kernel, dst, src1, src2);
     return okpStatusOk;
 }
 
@@ -181,7 +177,7 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
         const Vec<float> before = inRegister(load(d, extent));
         store(d, (loadAs<float>(s, extent) - before) * w + before, extent);
     };
-    mapRows<kLanes, kFetch<S>>(size, kernel, dst, src);
+    mapRows<kLanes, kFetchBeside<S>>(size, kernel, dst, src);
     return okpStatusOk;
 }
 

@@ -29,8 +29,7 @@ okpStatus updateMotionHistory(Image<const S> silhouette, Image<float> history, S
         const Vec<float> still = bitCast<float>(equal(loadAs<Lane>(s, extent), zeros<Lane>()));
         store(h, select(still, kept, now), extent);
     };
-    constexpr Fetch fetch = sizeof(S) == 1 ? Fetch::FirstAhead : Fetch::AsItComes;
-    mapRows<Vec<float>::lanes, fetch>(size, kernel, history, silhouette);
+    mapRows<Vec<float>::lanes, kFetchBeside<S>>(size, kernel, history, silhouette);
     return okpStatusOk;
 }
 

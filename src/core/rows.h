@@ -39,6 +39,9 @@ OKPCV_INLINE void mapRow(int64_t width, const Kernel& kernel, T*... p) {
 // Whether an image that is read and written in place is fetched into the caches ahead of the work. That pays
 // where it is most of what is read: the processor fetches by itself, but not beyond a page.
 enum class Fetch { AsItComes, FirstAhead };
+// For an image of floats beside sources of S: beside bytes it is most of what is read.
+template <class S>
+inline constexpr Fetch kFetchBeside = sizeof(S) == 1 ? Fetch::FirstAhead : Fetch::AsItComes;
 inline constexpr int64_t kFetchedAheadBytes = 8192;
 
 // Calls kernel(Extent{}, out + x, p + x...) along a row from x on, as far as there is something to fetch in the

@@ -20,4 +20,13 @@ OKPCV_INLINE auto withConstant(int64_t n, const Run& run) {
     }
 }
 
+// The same for any n from Least to Most.
+template <int Least, int Most, class Run>
+OKPCV_INLINE auto withCount(int64_t n, const Run& run) {
+    if constexpr (Least < Most) {
+        if (n != Least) return withCount<Least + 1, Most>(n, run);
+    }
+    return run(std::integral_constant<int, Least>{});
+}
+
 }  // namespace okpcv

@@ -15,6 +15,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "core/with_constant.h"
 #include "morph/bit_runs.h"
 #include "morph/combine.h"
 #include "morph/intake.h"
@@ -234,8 +235,8 @@ class BitEngine {
                                readable_.firstBit - byte * 8,
                                readable_.endBit - byte * 8,
                                value_};
-        detail::withCount<1, kTallestAtOnce>(block.height, [&](auto height) {
-            detail::withCount<0, kMostGrowthAtOnce>(detail::Growth(block.length).steps, [&](auto steps) {
+        withCount<1, kTallestAtOnce>(block.height, [&](auto height) {
+            withCount<0, kMostGrowthAtOnce>(detail::Growth(block.length).steps, [&](auto steps) {
                 combineBitRuns<Cells, height, steps>(source, target(y), rows, block.length);
             });
         });
@@ -245,7 +246,7 @@ class BitEngine {
         const Part part = partAt(planeRow(0, 0), block.column);
         const int64_t from = planeRow(0, 0) - part.from, to = from + sizes_.rowBytes;
         const BitSource source{{part.from, sizes_.rowBytes}, part.shift, from, to, from * 8, to * 8, value_};
-        detail::withCount<0, kMostGrowth>(detail::Growth(block.length).steps, [&](auto steps) {
+        withCount<0, kMostGrowth>(detail::Growth(block.length).steps, [&](auto steps) {
             combineBitRuns<Cells, 1, steps>(source, target(y), rows, block.length);
         });
     }
@@ -382,7 +383,7 @@ class BitEngine {
     template <class Put>
     void combineParts(const Part* parts, int count, int64_t rows, int64_t end, Put put) const {
         if (count <= kMostParts && areClose(parts, count)) {
-            detail::withCount<1, kMostParts>(count, [&](auto n) OKPCV_INLINE_LAMBDA {
+            withCount<1, kMostParts>(count, [&](auto n) OKPCV_INLINE_LAMBDA {
                 int shifts[n];
                 for (int i = 0; i < n; ++i)
                     shifts[i] = static_cast<int>((parts[i].from - parts[0].from) * 8) + parts[i].shift;

@@ -18,6 +18,7 @@
 #include "core/numbers.h"
 #include "core/simd.h"
 #include "core/unrolled.h"
+#include "core/with_constant.h"
 
 namespace okpcv::morph {
 
@@ -314,15 +315,6 @@ OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Tak
         tile.write(dst.data + x, dst.step);
     });
 }
-// Calls run with `count`, from kLeast to kMost, as a constant.
-template <int kLeast, int kMost, class Run>
-OKPCV_INLINE void withCount(int32_t count, Run run) {
-    if constexpr (kLeast < kMost) {
-        if (count != kLeast) return withCount<kLeast + 1, kMost>(count, run);
-    }
-    run(std::integral_constant<int, kLeast>{});
-}
-
 // A row all of whose terms, kTerms of them, have a height of 1.
 template <class P, int kTerms, class S, class D>
 OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
@@ -472,7 +464,7 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
                                  term.height, none);
     }
     if (terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts) {
-        return detail::withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
+        return withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
             const int64_t first = terms.begin[0].offset;
             const int64_t apart = terms.begin[1].offset - first;
             const bool isRun = terms.begin[count - 1].offset - first == apart * (count - 1);
@@ -606,7 +598,7 @@ void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t
         if (height == length) return fill(length, step, length);
         fill(length, step, height);
     };
-    detail::withCount<1, 7>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
+    withCount<1, 7>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
         if (channels == 1) return fillAny(length, std::integral_constant<int, 1>{});
         // There are no pixels of two bytes with several channels.
         if constexpr (sizeof(T) != 2) {
@@ -624,18 +616,15 @@ inline constexpr int32_t kLongestDoubled = 2 * Vec<T>::lanes;
 // number of whole vectors. Reads a vector beyond them for each doubling.
 template <class P, class T>
 void combineDoubled(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run) {
-    const auto fill = [&](auto length) OKPCV_INLINE_LAMBDA {
-        if constexpr (length <= kLongestDoubled<T>) {
+    withConstant<8, 16, 32>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
+        if constexpr (length != 0 && length <= kLongestDoubled<T>) {
             constexpr std::integral_constant<int, 1> kOne;
             NoWatch none;
             for (int64_t y = 0; y < rows; ++y)
                 detail::fillRectangles<P, length, 1, 1>(Image<const T>{src.row(y), src.step},
                                                         Image<T>{dst.row(y), dst.step}, vectors, kOne, none);
         }
-    };
-    if (run == 8) return fill(std::integral_constant<int, 8>{});
-    if (run == 16) return fill(std::integral_constant<int, 16>{});
-    fill(std::integral_constant<int, 32>{});
+    });
 }
 
 // Shows the watch `rows` rows.

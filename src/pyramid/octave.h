@@ -326,8 +326,9 @@ __attribute__((noinline)) inline void octaveRowSums(int32_t* out, int64_t width,
     sumPixels(lastVector + lanes, width);
 }
 
-// The row sums that two rows of the smaller level see.
+// The row sums that two rows of the smaller level see. They are kept two to a line.
 inline constexpr int kOctaveRowSums = 7;
+static_assert(kOctaveRowSums <= 2 * kOctaveBatch);
 
 // `Rows` rows of the smaller level from the sums of the source rows.
 template <int Rows>
