@@ -207,29 +207,64 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
     }
 }
 
+// `width` pixels of three floats of the smaller level. Neighbours share the products of the pixels that both
+// see, those of even number with two weights, those of odd number with one: they stay in registers from sum
+// to sum.
+inline void octaveFloatPixelsDown(float* out, int64_t width, const float* line) {
+    const Vec<float> outer = broadcast(1 / 16.0F), inner = broadcast(4 / 16.0F),
+                     middle = broadcast(6 / 16.0F);
+    struct Even {
+        Vec<float> outer, middle;
+    };
+    const auto even = [&](int64_t x) OKPCV_INLINE_LAMBDA {
+        const Vec<float> pixel = load(line + 6 * x);
+        return Even{pixel * outer, pixel * middle};
+    };
+    const auto odd = [&](int64_t x) OKPCV_INLINE_LAMBDA { return load(line + 6 * x + 3) * inner; };
+    const auto mean = [](Even a, Vec<float> b, Even c, Vec<float> d, Even e) OKPCV_INLINE_LAMBDA {
+        Vec<float> sum = a.outer;
+        accumulate(sum, b);
+        accumulate(sum, c.middle);
+        accumulate(sum, d);
+        accumulate(sum, e.outer);
+        return rounded<8>(sum);
+    };
+    Even a = even(-1), c = even(0);
+    Vec<float> b = odd(-1);
+    int64_t x = 0;
+    for (; x + 2 < width; x += 2) {
+        const Vec<float> d = odd(x), f = odd(x + 1);
+        const Even e = even(x + 1), g = even(x + 2);
+        store(out + 3 * x, mean(a, b, c, d, e));
+        store(out + 3 * x + 3, mean(c, d, e, f, g));
+        a = e;
+        b = f;
+        c = g;
+    }
+    for (; x < width; ++x) {
+        const Vec<float> d = odd(x);
+        const Even e = even(x + 1);
+        storePixels(out + 3 * x, mean(a, b, c, d, e), width - x);
+        a = c;
+        b = d;
+        c = e;
+    }
+}
+
 // `width` pixels of a row of the smaller level.
 template <int Channels, class D, class T>
 void octaveLineDown(D* out, int64_t width, const T* line, [[maybe_unused]] int64_t fromEvenToOdd) {
     constexpr int lanes = Vec<T>::lanes;
-    if constexpr (Channels == 3) {
+    if constexpr (Channels == 3 && kIsFloat<D>) {
+        octaveFloatPixelsDown(out, width, line);
+    } else if constexpr (Channels == 3) {
         const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
             const T* const p = line + 6 * (x - 1);
             const auto tap = [&](int i) OKPCV_INLINE_LAMBDA { return loadPixels(p + 3 * i, 6); };
             return rounded<8>(binomial(tap(0), tap(1), tap(2), tap(3), tap(4)));
         };
-        if constexpr (kIsFloat<D>) {
-            int64_t x = 0;
-            for (; x + 2 < width; x += 2) {
-                const Vec<D> here = filtered(x), next = filtered(x + 1);
-                store(out + 3 * x, here);
-                store(out + 3 * x + 3, next);
-            }
-            for (; x < width; ++x) storePixels(out + 3 * x, filtered(x), width - x);
-        } else {
-            for (int64_t x = 0; x < width; x += kPixelsOf4<D>) {
-                storePixels(out + 3 * x, narrowFitting<D>(filtered(x), filtered(x + kPixelsOf4<T>)),
-                            width - x);
-            }
+        for (int64_t x = 0; x < width; x += kPixelsOf4<D>) {
+            storePixels(out + 3 * x, narrowFitting<D>(filtered(x), filtered(x + kPixelsOf4<T>)), width - x);
         }
     } else if constexpr (kSplitsColumns<Channels, T>) {
         const auto filtered = [&](int64_t x) OKPCV_INLINE_LAMBDA {
