@@ -113,8 +113,7 @@ class Engine {
     bool run() {
         if constexpr (std::is_same_v<Pixel, Cell>) {
             const Interior interior = findInterior();
-            const bool isShort = interior.block.length <= kShortRun;
-            if (interior.vectors >= (isShort ? kLeastVectors : kLeastVectorsLong)) return runAround(interior);
+            if (interior.vectors >= interior.leastVectors) return runAround(interior);
         }
         if (!spec_.isRectangle() || job_.size.width <= sizes_.stripWidth)
             return runStrips(0, job_.size.height);
@@ -169,34 +168,48 @@ class Engine {
         return true;
     }
 
-    // Where the pixels under a small rectangle are all in readable memory, so that combineRectangle takes
-    // them from there: output columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
+    // Where the pixels under a small mask are all in readable memory, so that they are taken from there: output
+    // columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
     struct Interior {
-        Spec::Place block;
-        int64_t x, vectors, top, bottom;
+        Spec::Place block;  // what of the mask counts
+        int64_t leastVectors = kLeastVectors;
+        int64_t beyond = 0;  // vectors of the source that are read beyond those that are written
+        int64_t x = 0, vectors = 0, top = 0, bottom = 0;
     };
     Interior findInterior() const {
+        constexpr int kLanes = Vec<Pixel>::lanes;
+        Interior in{{0, 0, header_.maskWidth, header_.maskHeight}};
+        const Spec::Place& block = in.block;
         // Strips beside it are as wide as the scratch memory only if the region is no wider than promised.
-        if (!spec_.isRectangle() || job_.size.width > header_.roiWidth) return {};
-        const Spec::Place block = spec_.block(0);
-        if (block.height > RowIntake<P, Watch>::kTallest ||
-            !canCombineRectangle<Pixel>(block.length, job_.channels))
-            return {};
+        if (job_.size.width > header_.roiWidth) return in;
+        if (spec_.isRectangle()) {
+            in.block = spec_.block(0);
+            if (block.height > RowIntake<P, Watch>::kTallest ||
+                !canCombineRectangle<Pixel>(block.length, job_.channels))
+                return in;
+            if (block.length > kShortRun) in.leastVectors = kLeastVectorsLong;
+            in.beyond = vectorsBeyond(block.length);
+        } else {
+            // Watching the pixels would cost more than is saved.
+            constexpr bool isWatched = !std::is_same_v<Watch, NoWatch>;
+            constexpr int64_t kPixelBytes = sizeof(Pixel);
+            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || job_.src.step % kPixelBytes != 0)
+                return in;
+            in.beyond = int64_t{block.length} * job_.channels / kLanes + 2;
+        }
         const Border& border = job_.border;
         const int64_t left = header_.anchorX - block.column, above = header_.anchorY - block.row;
         const int64_t below = block.height - 1 - above;
         const int64_t readableTo = job_.size.width + (border.rightInMemory() ? header_.rightExtent : 0);
-        Interior in{block, border.leftInMemory() ? 0 : std::max<int64_t>(left, 0), 0,
-                    border.topInMemory() ? 0 : std::max<int64_t>(above, 0),
-                    job_.size.height - (border.bottomInMemory() ? 0 : std::max<int64_t>(below, 0))};
-        constexpr int kLanes = Vec<Pixel>::lanes;
+        in.x = border.leftInMemory() ? 0 : std::max<int64_t>(left, 0);
+        in.top = border.topInMemory() ? 0 : std::max<int64_t>(above, 0);
+        in.bottom = job_.size.height - (border.bottomInMemory() ? 0 : std::max<int64_t>(below, 0));
         const int64_t written = (job_.size.width - in.x) * job_.channels / kLanes;
         const int64_t read = (readableTo - in.x + left) * job_.channels / kLanes;
-        if (in.bottom - in.top >= kRectangleRows)
-            in.vectors = std::min(written, read - vectorsBeyond(block.length)) / 2 * 2;
+        if (in.bottom - in.top >= kRectangleRows) in.vectors = std::min(written, read - in.beyond) / 2 * 2;
         return in;
     }
-    // A small rectangle: its interior, and what is around it by way of the planes.
+    // A small mask: its interior, and what is around it by way of the planes.
     bool runAround(const Interior& in) {
         const Spec::Place& block = in.block;
         const int64_t x = in.x, vectors = in.vectors, top = in.top, bottom = in.bottom;
@@ -209,22 +222,40 @@ class Engine {
                                           (x - header_.anchorX + block.column) * job_.channels,
                                       job_.src.step};
         };
+        const TermList terms = termsInSource();
         if (!runStrips(0, top)) return false;
-        watchRows(from(top), (vectors + vectorsBeyond(block.length)) * aVector, block.height - 1, watch_);
+        watchRows(from(top), (vectors + in.beyond) * aVector, block.height - 1, watch_);
         for (int64_t y = top; y < bottom; y += kInteriorRows) {
             const int64_t end = std::min(y + kInteriorRows, bottom);
             // At least the rows that are combined together: the block may overlap the one before.
             const int64_t begin = std::min(y, bottom - kRectangleRows);
-            combineRectangle<P>(from(begin), destination(x, begin), vectors, end - begin, block.length,
-                                job_.channels, block.height, watch_);
+            if (spec_.isRectangle()) {
+                combineRectangle<P>(from(begin), destination(x, begin), vectors, end - begin, block.length,
+                                    job_.channels, block.height, watch_);
+            } else {
+                combineRows<P>(from(begin), destination(x, begin), vectors * aVector, end - begin, terms);
+            }
             if (x > 0 && !runStrip(0, leftWidth, y, end)) return false;
             if (rightX < job_.size.width && !runStrip(rightX, job_.size.width - rightX, y, end)) return false;
             if (watch_.found()) return false;
         }
         return runStrips(bottom, job_.size.height);
     }
+    // The terms of a mask that combines pixels only, relative to the source's pixel under its first element.
+    TermList termsInSource() const {
+        TermList terms = plan_.terms();
+        Term* const inSource = scratch_.terms + terms.count();
+        const int64_t step = job_.src.step / int64_t{sizeof(Pixel)};
+        for (int32_t i = 0; i < terms.count(); ++i) {
+            const Term& term = terms.begin[i];
+            const int64_t row = term.offset / sizes_.window.step;
+            inSource[i] = {term.offset + row * (step - sizes_.window.step), term.height};
+        }
+        terms.begin = inSource;
+        return terms;
+    }
 
-    // A strip of rows `top` to `bottom` - 1; all of the rows unless the mask is a rectangle.
+    // A strip of rows `top` to `bottom` - 1.
     bool runStrip(int64_t x, int64_t width, int64_t top, int64_t bottom) {
         // The strip's columns with those around it that the mask reaches; of these the first to the last that
         // lie in readable memory.
@@ -239,7 +270,8 @@ class Engine {
                                    job_.value, job_.channels,
                                    {planeRow(0, 0) + readable, planeRows(0, 0).step},
                                    {static_cast<Pixel*>(scratch_.borderRows), planeRows(0, 0).step}, watch_);
-        return spec_.isRectangle() ? runRectangle(intake, x, width, top, bottom) : runRuns(intake, x, width);
+        return spec_.isRectangle() ? runRectangle(intake, x, width, top, bottom)
+                                   : runRuns(intake, x, width, top, bottom);
     }
 
     // A rectangle: the maxima of the columns, then those along the rows, which need no other rows.
@@ -266,11 +298,11 @@ class Engine {
     }
 
     // Any other mask: rows come in as they are, and stay while the mask reaches them.
-    bool runRuns(RowIntake<P, Watch>& intake, int64_t x, int64_t width) {
+    bool runRuns(RowIntake<P, Watch>& intake, int64_t x, int64_t width, int64_t top, int64_t bottom) {
         const int64_t kept = header_.maskHeight - 1;
-        for (int64_t y = 0; y < job_.size.height; y += sizes_.blockRows) {
-            const int64_t rows = std::min(sizes_.blockRows, job_.size.height - y);
-            const int64_t old = y == 0 ? 0 : kept;
+        for (int64_t y = top; y < bottom; y += sizes_.blockRows) {
+            const int64_t rows = std::min(sizes_.blockRows, bottom - y);
+            const int64_t old = y == top ? 0 : kept;
             intake.takeRows(y - header_.anchorY + old, old, kept + rows);
             extendRows(old, kept + rows);
             if (watch_.found()) return false;

@@ -127,15 +127,17 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
         expectDefinition(e, random, roi, randomMask(random, i % 5 == 0 ? 40 : 9), randomBorder(random, true),
                          random.chance(0.3) ? 1 : 0);
     }
-    // Small rectangles in regions that are wide against them, with at most a few special pixels somewhere.
-    for (int i = 0; i < 40 && !testing::Test::HasFatalFailure(); ++i) {
+    // Small masks in regions that are wide against them, with at most a few special pixels somewhere.
+    for (int i = 0; i < 60 && !testing::Test::HasFatalFailure(); ++i) {
         const int bytes = random.integer(600, i % 4 == 0 ? 4200 : 1400);
         const RoiSize roi{bytes / e.channels / static_cast<int>(sizeof(T)),
                           i % 10 == 0 ? random.integer(60, 140) : random.integer(1, 14)};
         const int w = random.integer(1, 9), h = random.integer(1, i % 5 == 0 ? 18 : 7);
         const int l = random.integer(0, 2), t = random.integer(0, 2);
-        const Mask mask(l + w + random.integer(0, 2), t + h + random.integer(0, 2),
-                        [&](int x, int y) { return x >= l && x < l + w && y >= t && y < t + h; });
+        const double part = random.chance(0.6) ? 1 : 0.6;
+        const Mask mask(l + w + random.integer(0, 2), t + h + random.integer(0, 2), [&](int x, int y) {
+            return x >= l && x < l + w && y >= t && y < t + h && random.chance(part);
+        });
         expectDefinition(e, random, roi, mask, randomBorder(random, true),
                          random.chance(0.5) ? 1.0 / (roi.width * roi.height) : 0);
     }
