@@ -235,9 +235,9 @@ OKPCV_API okpStatus okpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RoiSize roi
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
- *         - #okpStatusSizeTooLarge: they are so large that no buffer size exists;
  *         - #okpStatusBadStep: a step below the width of its image's row in bytes;
- *         - #okpStatusStepNotMultiple: the destination's step no multiple of 4.
+ *         - #okpStatusStepNotMultiple: the destination's step no multiple of 4;
+ *         - #okpStatusSizeTooLarge: the region is so large that no buffer size exists.
  */
 OKPCV_API okpStatus okpiTrueDistanceTransform_8u32f_C1R(const uint8_t* pSrc, int32_t srcStep, float* pDst,
                                                         int32_t dstStep, RoiSize roiSize, uint8_t* pBuffer);

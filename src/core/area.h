@@ -43,6 +43,13 @@ class Area {
         return reinterpret_cast<T*>(at);
     }
 
+    // The same for `rows` rows of so many elements.
+    template <class T>
+    T* takeRows(int64_t rows, int64_t elements, int64_t alignment = alignof(T)) {
+        int64_t count = 0;
+        return take<T>(multiplyChecked(rows, elements, count) ? count : -1, alignment);
+    }
+
     // Bytes from the start to the end of the last part.
     int64_t bytes() const { return used_; }
     // Whether the bytes fit 64 bits.

@@ -56,8 +56,8 @@ int64_t bufferBytes(Size size) {
 }
 
 // A size whose buffer size no caller can ask for is refused; the others' counts stay far inside 32 bits.
-Checks& checkSize(Checks& checks, Size size) {
-    return checks.size(size).require(bufferBytes(size) <= INT32_MAX, okpStatusSizeTooLarge);
+Checks& requireBufferSize(Checks& checks, Size size) {
+    return checks.require(bufferBytes(size) <= INT32_MAX, okpStatusSizeTooLarge);
 }
 
 // Whether rounding cannot change a result. Below this size all sums are exact, and a bound, being at most the
@@ -217,7 +217,7 @@ using namespace okpcv;
 okpStatus okpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RoiSize roiSize, int32_t* pBufferSize) {
     const Size size = roiSize;
     Checks checks;
-    checkSize(checks.pointers(pBufferSize), size);
+    requireBufferSize(checks.pointers(pBufferSize).size(size), size);
     if (checks.failed()) return checks.status();
     *pBufferSize = static_cast<int32_t>(bufferBytes(size));
     return okpStatusOk;
@@ -229,7 +229,7 @@ okpStatus okpiTrueDistanceTransform_8u32f_C1R(const uint8_t* pSrc, int32_t srcSt
     const Image<float> dst{pDst, dstStep};
     const Size size = roiSize;
     Checks checks;
-    checkSize(checks.pointers(pSrc, pDst, pBuffer), size).steps(size, src, dst);
+    requireBufferSize(checks.pointers(pSrc, pDst, pBuffer).size(size).steps(size, src, dst), size);
     if (checks.failed()) return checks.status();
 
     Area area(pBuffer);

@@ -40,6 +40,8 @@ struct BitTarget {
 
     int64_t bits() const { return phase + width; }
     int64_t bytes() const { return (bits() + 7) / 8; }
+    // Whether a row begins in the byte in which the one above it ends.
+    bool sharesBytes() const { return bytes() > rows.step; }
 };
 
 // The length of runs up to which a word gives half as many bytes of output as it has.
@@ -104,7 +106,8 @@ constexpr bool areWideBitRows(int64_t bytes) {
 }
 
 // dst(x, y) = the maximum of the kHeight rows of `length` pixels from (x, y) on, which grow to their length in
-// kSteps steps. The source has at least a vector of bytes. Only wide rows may reach outside of it.
+// kSteps steps. The source has at least a vector of bytes. Only wide rows may reach outside of it. Rows that are
+// fewer than kBitRowsTogether, or share bytes, have a height of 1.
 template <class P, int kHeight, int kSteps>
 void combineBitRuns(const BitSource& source, const BitTarget& target, int64_t rows, int32_t length) {
     using Op = typename P::Op;
@@ -118,8 +121,8 @@ void combineBitRuns(const BitSource& source, const BitTarget& target, int64_t ro
     const Vec<uint8_t> toWords = orders.toWords, toBytes = orders.toBytes;
     const int shift = source.shift;
 
-    // Too few rows are made one by one, each as often as rows are made together.
-    const int64_t together = rows < kRows ? 1 : kRows;
+    // Rows that are too few, or share bytes, are made one by one, each as often as rows are made together.
+    const int64_t together = rows < kRows || target.sharesBytes() ? 1 : kRows;
     for (int64_t next = 0; next < rows; next += together) {
         const int64_t y = std::min(next, rows - together), isMore = together > 1 ? 1 : 0;
         const Image<const uint8_t> src{source.rows.row(y), source.rows.step * isMore};

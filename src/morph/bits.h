@@ -98,10 +98,10 @@ struct BitScratch {
 inline BitScratch layOutBitScratch(Area& area, const BitSizes& sizes) {
     BitScratch scratch;
     const int64_t elements = int64_t{sizes.maskWidth} * sizes.maskHeight;
-    scratch.planes = area.take<uint8_t>(Plan::kMaxPlanes * sizes.rows * sizes.rowBytes, kVectorBytes);
-    scratch.copies = area.take<uint8_t>(sizes.rows * sizes.rowBytes, kVectorBytes);
+    scratch.planes = area.takeRows<uint8_t>(Plan::kMaxPlanes * sizes.rows, sizes.rowBytes, kVectorBytes);
+    scratch.copies = area.takeRows<uint8_t>(sizes.rows, sizes.rowBytes, kVectorBytes);
     scratch.columnRows =
-        area.take<uint8_t>(sizes.maskWidth * BitSizes::kTogether * sizes.rowBytes, kVectorBytes);
+        area.takeRows<uint8_t>(sizes.maskWidth * BitSizes::kTogether, sizes.rowBytes, kVectorBytes);
     scratch.terms = area.take<Term>(2 * elements);
     scratch.sorted = area.take<Term>(elements);
     scratch.columns = area.take<BitScratch::Column>(sizes.maskWidth);
@@ -224,7 +224,7 @@ class BitEngine {
     bool canWriteAtOnce(const Spec::Place& block) const {
         return block.height <= kTallestAtOnce && block.length <= kLongestAtOnce &&
                block.has(header_.anchorX, header_.anchorY) && border_.kind() != BorderReplicate &&
-               areWideBitRows(readable_.endByte() - readable_.firstByte());
+               !target(0).sharesBytes() && areWideBitRows(readable_.endByte() - readable_.firstByte());
     }
     void writeAtOnce(const Spec::Place& block, int64_t y, int64_t rows) const {
         const int64_t bit = src_.phase + block.column - header_.anchorX - dst_.phase, byte = bit >> 3;

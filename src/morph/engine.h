@@ -193,7 +193,8 @@ class Engine {
             // Watching the pixels would cost more than is saved.
             constexpr bool isWatched = !std::is_same_v<Watch, NoWatch>;
             constexpr int64_t kPixelBytes = sizeof(Pixel);
-            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || job_.src.step % kPixelBytes != 0)
+            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || block.height > kInteriorRows ||
+                job_.src.step % kPixelBytes != 0)
                 return in;
             in.beyond = int64_t{block.length} * job_.channels / kLanes + 2;
         }
@@ -222,7 +223,7 @@ class Engine {
                                           (x - header_.anchorX + block.column) * job_.channels,
                                       job_.src.step};
         };
-        const TermList terms = termsInSource();
+        const TermList terms = spec_.isRectangle() ? TermList{} : termsInSource();
         if (!runStrips(0, top)) return false;
         watchRows(from(top), (vectors + in.beyond) * aVector, block.height - 1, watch_);
         for (int64_t y = top; y < bottom; y += kInteriorRows) {

@@ -196,10 +196,10 @@ TEST(ExactDistance, ChecksInOrder) {
          {"null buffer", okpStatusNullPointer, [](A& a) { a.buffer = nullptr; }},
          {"no width", okpStatusBadSize, [](A& a) { a.roi.width = 0; }},
          {"no height", okpStatusBadSize, [](A& a) { a.roi.height = 0; }},
-         {"a size without buffer size", okpStatusSizeTooLarge, [](A& a) { a.roi.height = INT32_MAX; }},
          {"short source step", okpStatusBadStep, [](A& a) { a.srcStep = 8; }},
          {"short step", okpStatusBadStep, [](A& a) { a.dstStep = 35; }},
-         {"odd step", okpStatusStepNotMultiple, [](A& a) { a.dstStep = 42; }}});
+         {"odd step", okpStatusStepNotMultiple, [](A& a) { a.dstStep = 42; }},
+         {"a size without buffer size", okpStatusSizeTooLarge, [](A& a) { a.roi.height = INT32_MAX; }}});
     EXPECT_EQ(dst.pixels(), std::vector<float>(36));
 }
 

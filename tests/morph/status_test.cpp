@@ -293,6 +293,10 @@ TEST(MorphSizes, RefuseInOrder) {
     // Sizes beyond 64 bits.
     EXPECT_EQ(okpiErodeGetBufferSize_L({kInt32MaxL, kInt32MaxL}, {3, 3}, DataType32f, 4, &size),
               okpStatusSizeTooLarge);
+    for (const RoiSizeL mask : {RoiSizeL{kInt32MaxL, 1}, RoiSizeL{1, kInt32MaxL}}) {
+        EXPECT_EQ(okpiErodeGetBufferSize_L({kInt32MaxL, 1}, mask, DataType1u, 1, &size),
+                  okpStatusSizeTooLarge);
+    }
     for (const DataTypeCode type : {DataType1u, DataType8u, DataType16u, DataType16s, DataType32f})
         EXPECT_EQ(okpiErodeGetBufferSize_L({7, 5}, {3, 3}, type, 1, &size), okpStatusOk);
 }
