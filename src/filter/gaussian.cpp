@@ -253,6 +253,7 @@ okpStatus init(Size size, int32_t kernelSize, float sigma, BorderKind borderType
         .require(sigma > 0, okpStatusBadArgument)
         .require(isFilterBorder(borderType), okpStatusBadBorder);
     if (checks.failed()) return checks.status();
+    const DenormalExceptionMask mask;
     fillGaussianSpec(kernelSize, sigma, borderType, dataType, pSpec, pInitBuffer);
     return okpStatusOk;
 }

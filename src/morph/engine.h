@@ -192,9 +192,7 @@ class Engine {
         } else {
             // Watching the pixels would cost more than is saved.
             constexpr bool isWatched = !std::is_same_v<Watch, NoWatch>;
-            constexpr int64_t kPixelBytes = sizeof(Pixel);
-            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || block.height > kInteriorRows ||
-                job_.src.step % kPixelBytes != 0)
+            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || block.height > kInteriorRows)
                 return in;
             in.beyond = int64_t{block.length} * job_.channels / kLanes + 2;
         }

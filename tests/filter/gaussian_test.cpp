@@ -1,6 +1,8 @@
 // Gaussian filters and their specs against their definitions, bit for bit.
 #include <gtest/gtest.h>
+#include <immintrin.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -664,6 +666,23 @@ TEST(GaussianSpec, IsTheCentreAloneWhereSigmaSquaredUnderflows) {
         const float expected[] = {0, 0, 1, 0, 0};
         EXPECT_EQ(std::memcmp(spec + 32, expected, sizeof expected), 0) << sigma;
     }
+}
+
+TEST(GaussianSpec, IsMadeAndUsedWhereDenormalsTrap) {
+    std::array<float, 9> pixels;
+    pixels.fill(1e-40F);
+    std::array<float, 9> blurred{};
+    alignas(32) char spec[4096], scratch[4096];
+    const unsigned callers = _mm_getcsr();
+    constexpr unsigned denormalMask = 1U << 8;
+    _mm_setcsr(callers & ~denormalMask);
+    const okpStatus made = okpiFilterGaussianInit({3, 3}, 5, 1e-20F, 1, DataType32f, 1, spec, scratch);
+    const okpStatus used = okpiFilterGaussian_32f_C1R(pixels.data(), 12, blurred.data(), 12, {3, 3},
+                                                      BorderReplicate, 0, spec, scratch);
+    _mm_setcsr(callers);
+    EXPECT_EQ(made, okpStatusOk);
+    EXPECT_EQ(used, okpStatusOk);
+    EXPECT_EQ(blurred, pixels);
 }
 
 TEST(GaussianSizes, AddTheHalfKernelRecordAndReportWhatDoesNotFit) {
