@@ -315,6 +315,7 @@ OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Tak
         tile.write(dst.data + x, dst.step);
     });
 }
+
 // A row all of whose terms, kTerms of them, have a height of 1.
 template <class P, int kTerms, class S, class D>
 OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {

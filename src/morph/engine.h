@@ -130,11 +130,13 @@ class Engine {
     static constexpr int64_t kFewRows = 8;
     // So many columns beside the region are made column by column, more row by row.
     static constexpr int64_t kFewColumns = 8;
-    // Vectors of a row of its interior that pay for what has to be done around it, for short and longer runs.
+    // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the longer
+    // runs of rectangles.
     static constexpr int32_t kShortRun = 3;
     static constexpr int64_t kLeastVectors = 48;
     static constexpr int64_t kLeastVectorsLong = 96;
-    // Rows of its interior between two visits of the columns beside it, which have them in a near cache.
+    // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each visit
+    // takes in the rows that a mask reaches anew, so taller masks are not small.
     static constexpr int64_t kInteriorRows = 64;
 
     static int32_t firstRun(int channels) { return 7 * channels <= Vec<Cell>::lanes ? 8 : 4; }

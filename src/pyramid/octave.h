@@ -208,8 +208,7 @@ void octaveColumnsDown(const OctaveLines<T>& lines, const S* const* rows, int64_
 }
 
 // `width` pixels of three floats of the smaller level. Neighbours share the products of the pixels that both
-// see, those of even number with two weights, those of odd number with one: they stay in registers from sum
-// to sum.
+// see, those of even number with two weights, those of odd number with one.
 inline void octaveFloatPixelsDown(float* out, int64_t width, const float* line) {
     const Vec<float> outer = broadcast(1 / 16.0F), inner = broadcast(4 / 16.0F),
                      middle = broadcast(6 / 16.0F);
@@ -232,6 +231,8 @@ inline void octaveFloatPixelsDown(float* out, int64_t width, const float* line) 
     Even a = even(-1), c = even(0);
     Vec<float> b = odd(-1);
     int64_t x = 0;
+    // By twos, so that hardly a product need be moved from register to register; not up to the end, where the
+    // fourth lane would leave the row.
     for (; x + 2 < width; x += 2) {
         const Vec<float> d = odd(x), f = odd(x + 1);
         const Even e = even(x + 1), g = even(x + 2);
