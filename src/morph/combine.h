@@ -122,6 +122,19 @@ struct Term {
 // Runs of a multiple of a shorter length up to this one are combined directly.
 inline constexpr int32_t kMostParts = 8;
 
+// Rows of the source that the next ones to be combined will need, which are fetched meanwhile: of four of them,
+// a cache line of one with each vector.
+struct NextRows {
+    Image<const char> rows;
+
+    NextRows from(int64_t y) const { return {{rows.row(y), rows.step}}; }
+    OKPCV_INLINE void fetchBeside(int64_t byte) const { fetch(rows.row(byte / 16 % 4) + byte); }
+};
+struct NoRows {
+    static constexpr NoRows from(int64_t) { return {}; }
+    static constexpr void fetchBeside(int64_t) {}
+};
+
 // Terms sorted by height: so many of heights 1, 2 and 3, then the taller ones.
 struct TermList {
     const Term* begin;
@@ -307,9 +320,10 @@ OKPCV_INLINE void coverRow(int64_t width, Visit visit) {
 }
 
 // Fills tile after tile of kRows rows: take(tile, p) takes in what belongs to the tile whose source is at p.
-template <class P, int kRows, class S, class D, class Take>
-OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Take take) {
+template <class P, int kRows, class S, class D, class Next, class Take>
+OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Next next, Take take) {
     coverRow<Vec<S>::lanes, 2>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < vectors; ++v) next.fetchBeside((x + v * Vec<S>::lanes) * int64_t{sizeof(S)});
         Tile<P, kRows, vectors, decltype(extent)> tile(extent);
         take(tile, src.data + x);
         tile.write(dst.data + x, dst.step);
@@ -411,16 +425,18 @@ void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height he
     watch = seen;
 }
 
-template <class P, class S, class D, class Take>
-OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Take take) {
+template <class P, class S, class D, class Next, class Take>
+OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Next next,
+                           Take take) {
     int64_t y = 0;
     if (width >= Vec<S>::lanes) {
         for (; y + 4 <= rows; y += 4)
             fillTiles<P, 4>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width,
-                            take);
+                            next.from(y), take);
     }
     for (; y < rows; ++y)
-        fillTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width, take);
+        fillTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width, NoRows{},
+                        take);
 }
 
 }  // namespace detail
@@ -432,8 +448,9 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
                     Watch& watch) {
     Watch seen = watch;
     const int64_t step = src.step;
-    const auto withHeight = [&](auto take)
-                                OKPCV_INLINE_LAMBDA { detail::fillRows<P>(src, dst, width, rows, take); };
+    const auto withHeight = [&](auto take) OKPCV_INLINE_LAMBDA {
+        detail::fillRows<P>(src, dst, width, rows, NoRows{}, take);
+    };
     switch (height) {
         case 1:
             withHeight([&](auto& tile, const S* p)
@@ -455,9 +472,10 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
 }
 
 // dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
-// read, and ignore, a vector beyond each row of src.
-template <class P, class S, class D>
-void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+// read, and ignore, a vector beyond each row of src. Fetches the next rows where the terms are not so few or so
+// alike that there is a loop for them.
+template <class P, class S, class D, class Next>
+void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms, Next next) {
     if (terms.count() == 1) {
         NoWatch none;
         const Term& term = *terms.begin;
@@ -488,7 +506,7 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     }
     NoWatch none;
     const int64_t step = src.step;
-    detail::fillRows<P>(src, dst, width, rows, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
+    detail::fillRows<P>(src, dst, width, rows, next, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
         const Term* t = terms.begin;
         const Term* end = t + terms.ofHeight[0];
         if (t != end) {
@@ -516,6 +534,8 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     static_assert(std::is_same_v<D, typename P::Cell>);
     using Op = typename P::Op;
     constexpr int kLanes = Vec<D>::lanes;
+    // Down the rows there are too many streams for the processor to see them itself.
+    constexpr int kBytesAhead = 128;
     Watch seen = watch;
     detail::coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
         Vec<D> run[vectors];
@@ -524,6 +544,7 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
                 run[v] = detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes));
         };
         const auto grow = [&](int64_t row) OKPCV_INLINE_LAMBDA {
+            fetch(reinterpret_cast<const char*>(src.row(row) + x) + kBytesAhead);
             for (int v = 0; v < vectors; ++v)
                 run[v] = Op::of(run[v],
                                 detail::loadCells<P>(src.row(row) + x + v * kLanes, extent.from(v * kLanes)));

@@ -126,6 +126,8 @@ class Engine {
     }
 
   private:
+    // Images up to this size may well be in a near cache, where fetching the next rows costs more than it saves.
+    static constexpr int64_t kNearBytes = int64_t{4} << 20;
     // Rows of output that a rectangle makes at a time.
     static constexpr int64_t kFewRows = 8;
     // So many columns beside the region are made column by column, more row by row.
@@ -234,7 +236,8 @@ class Engine {
                 combineRectangle<P>(from(begin), destination(x, begin), vectors, end - begin, block.length,
                                     job_.channels, block.height, watch_);
             } else {
-                combineRows<P>(from(begin), destination(x, begin), vectors * aVector, end - begin, terms);
+                combineRows<P>(from(begin), destination(x, begin), vectors * aVector, end - begin, terms,
+                               NoRows{});
             }
             if (x > 0 && !runStrip(0, leftWidth, y, end)) return false;
             if (rightX < job_.size.width && !runStrip(rightX, job_.size.width - rightX, y, end)) return false;
@@ -301,6 +304,7 @@ class Engine {
     // Any other mask: rows come in as they are, and stay while the mask reaches them.
     bool runRuns(RowIntake<P, Watch>& intake, int64_t x, int64_t width, int64_t top, int64_t bottom) {
         const int64_t kept = header_.maskHeight - 1;
+        const bool isFar = job_.src.step * job_.size.height > kNearBytes;
         for (int64_t y = top; y < bottom; y += sizes_.blockRows) {
             const int64_t rows = std::min(sizes_.blockRows, bottom - y);
             const int64_t old = y == top ? 0 : kept;
@@ -309,7 +313,16 @@ class Engine {
             if (watch_.found()) return false;
             for (int p = 1; p < plan_.planeCount(); ++p)
                 makePlane(p, planeRows(plan_.plane(p).source, old), old, kept + rows - old);
-            writeRows(destination(x, y), width * job_.channels, rows);
+            const int64_t following = y - header_.anchorY + kept + rows;  // the source's row
+            const auto write = [&](auto next) {
+                writeRows(destination(x, y), width * job_.channels, rows, next);
+            };
+            if (isFar && following + sizes_.blockRows <= job_.size.height) {
+                write(NextRows{{reinterpret_cast<const char*>(job_.src.row(following) + x * job_.channels),
+                                job_.src.step}});
+            } else {
+                write(NoRows{});
+            }
             for (int p = 0; p < plan_.planeCount(); ++p) {
                 if (!plan_.plane(p).inTerms) continue;
                 for (int64_t i = 0; i < kept; ++i) {
@@ -343,12 +356,13 @@ class Engine {
 
     template <class D>
     void combine(Image<const Cell> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
-        combineRows<P>(src, dst, width, rows, terms);
+        combineRows<P>(src, dst, width, rows, terms, NoRows{});
     }
 
-    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows) {
+    template <class Next>
+    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows, Next next) {
         const Image<const Cell> src = planeRows(0, 0);
-        if (header_.slope == 0) return combine(src, dst, width, rows, plan_.terms());
+        if (header_.slope == 0) return combineRows<P>(src, dst, width, rows, plan_.terms(), next);
         // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
         // the columns that all have are done; the ends of the rows follow, as whole vectors, row by row of
         // the mask.

@@ -61,16 +61,17 @@ Areas prepare(const Exports<T, Value>& e, RoiSize roi, const Mask& mask, bool la
 }
 
 // `specials` is the part of pixels that are extreme values: of floats also infinities, zeros and NaN.
+// `elementsApart` are unused elements between the rows of the source.
 template <class T, class Value>
 void expectDefinition(const Exports<T, Value>& e, Random& random, RoiSize roi, const Mask& mask,
-                      uint32_t border, double specials) {
+                      uint32_t border, double specials, int elementsApart = 0) {
     SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << " mask " << mask.width << "x"
                                     << mask.height << " border " << border << " channels " << e.channels);
     const uint32_t flags = border | border >> 4;
     const auto element = static_cast<int>(sizeof(T));
     using Layout = typename GuardedImage<T>::Layout;
     const Layout layout{.channels = e.channels,
-                        .padding = element * random.integer(0, 5),
+                        .padding = element * (elementsApart + random.integer(0, 5)),
                         .at = random.chance(0.5) ? GuardedMemory::At::End : GuardedMemory::At::Start,
                         .left = flags & BorderInMemLeft ? mask.left() : 0,
                         .top = flags & BorderInMemTop ? mask.above() : 0,
@@ -156,6 +157,9 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
         expectDefinition(e, random, {5000 / e.channels, 3}, mask, BorderReplicate, 1);
         expectDefinition(e, random, {10, 300}, mask, BorderConstant, 0);
     }
+    // So much memory that it lies in no near cache.
+    const Mask disc(7, 7, [](int i, int j) { return (i - 3) * (i - 3) + (j - 3) * (j - 3) < 12; });
+    expectDefinition(e, random, {40, 200}, disc, BorderReplicate, 0, 32768);
 }
 
 TEST(DilateErode, U8C1) {
