@@ -281,7 +281,7 @@ class BitEngine {
         for (int32_t c = 0; c < columns; ++c) {
             combineRows<Cells>(Image<const uint8_t>{planeRow(0, first), sizes_.rowBytes},
                                Image<uint8_t>{scratch_.columnRows + c * columnBytes, sizes_.rowBytes},
-                               sizes_.rowBytes - kVectorBytes, rows, scratch_.columns[c].terms, NoRows{});
+                               sizes_.rowBytes - kVectorBytes, rows, scratch_.columns[c].terms);
         }
         for (int32_t c = 0; c < columns; ++c)
             scratch_.parts[c] = partAt(scratch_.columnRows + c * columnBytes, scratch_.columns[c].column);

@@ -5,6 +5,7 @@
 // term of height h costs (h + 3) / 4 loads, about one maximum per load, and the result one store.
 // combineTall costs 3 loads, 3 maxima and 2 stores at any height. combineRectangle is bound by the number of
 // instructions, 13 per vector of a square of 3: 1.5 loads, 3.5 maxima, 2 moves along the row and one store.
+// combineCross takes 2 loads and one maximum more.
 #pragma once
 
 #include <algorithm>
@@ -122,17 +123,31 @@ struct Term {
 // Runs of a multiple of a shorter length up to this one are combined directly.
 inline constexpr int32_t kMostParts = 8;
 
-// Rows of the source that the next ones to be combined will need, which are fetched meanwhile: of four of them,
-// a cache line of one with each vector.
-struct NextRows {
+// What is done beside the combining of rows, for each vector at element x of the kRows output rows from y on.
+struct Nothing {
+    template <class T, int kRows, class Extent>
+    OKPCV_INLINE void visit(int64_t, int64_t, Extent) {}
+};
+// Fetches other rows of the source, which the next output rows will need: of four, a cache line of one.
+struct FetchRows {
     Image<const char> rows;
 
-    NextRows from(int64_t y) const { return {{rows.row(y), rows.step}}; }
-    OKPCV_INLINE void fetchBeside(int64_t byte) const { fetch(rows.row(byte / 16 % 4) + byte); }
+    template <class T, int kRows, class Extent>
+    OKPCV_INLINE void visit(int64_t y, int64_t x, Extent) {
+        const int64_t byte = x * int64_t{sizeof(T)};
+        if constexpr (kRows == 4) fetch(rows.row(y + byte / kVectorBytes % kRows) + byte);
+    }
 };
-struct NoRows {
-    static constexpr NoRows from(int64_t) { return {}; }
-    static constexpr void fetchBeside(int64_t) {}
+// Watches the rows that an output row is the first to need.
+template <class S, class Watch>
+struct WatchRows {
+    Image<const S> rows;
+    Watch watch;
+
+    template <class T, int kRows, class Extent>
+    OKPCV_INLINE void visit(int64_t y, int64_t x, Extent extent) {
+        unrolled<kRows>([&](auto r) OKPCV_INLINE_LAMBDA { watch.see(load(rows.row(y + r) + x, extent)); });
+    }
 };
 
 // Terms sorted by height: so many of heights 1, 2 and 3, then the taller ones.
@@ -320,24 +335,31 @@ OKPCV_INLINE void coverRow(int64_t width, Visit visit) {
 }
 
 // Fills tile after tile of kRows rows: take(tile, p) takes in what belongs to the tile whose source is at p.
-template <class P, int kRows, class S, class D, class Next, class Take>
-OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t width, Next next, Take take) {
-    coverRow<Vec<S>::lanes, 2>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
-        for (int v = 0; v < vectors; ++v) next.fetchBeside((x + v * Vec<S>::lanes) * int64_t{sizeof(S)});
+template <class P, int kRows, class S, class D, class Beside, class Take>
+OKPCV_INLINE void fillTiles(Image<const S> src, Image<D> dst, int64_t y, int64_t width, Beside& beside,
+                            Take take) {
+    constexpr int kLanes = Vec<S>::lanes;
+    coverRow<kLanes, 2>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < vectors; ++v)
+            beside.template visit<S, kRows>(y, x + v * kLanes, extent.from(v * kLanes));
         Tile<P, kRows, vectors, decltype(extent)> tile(extent);
-        take(tile, src.data + x);
-        tile.write(dst.data + x, dst.step);
+        take(tile, src.row(y) + x);
+        tile.write(dst.row(y) + x, dst.step);
     });
 }
 
-// A row all of whose terms, kTerms of them, have a height of 1.
-template <class P, int kTerms, class S, class D>
-OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
+// Row y, all of whose terms, kTerms of them, have a height of 1.
+template <class P, int kTerms, class S, class D, class Beside>
+OKPCV_INLINE void fillRow(Image<const S> src, Image<D> dst, int64_t y, int64_t width, TermList terms,
+                          Beside& beside) {
     using Cell = typename P::Cell;
     constexpr int kLanes = Vec<Cell>::lanes;
     const S* from[kTerms];
-    for (int t = 0; t < kTerms; ++t) from[t] = src + terms.begin[t].offset;
+    for (int t = 0; t < kTerms; ++t) from[t] = src.row(y) + terms.begin[t].offset;
+    D* const to = dst.row(y);
     coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < vectors; ++v)
+            beside.template visit<S, 1>(y, x + v * kLanes, extent.from(v * kLanes));
         Vec<Cell> result[vectors];
         for (int v = 0; v < vectors; ++v)
             result[v] = loadCells<P>(from[0] + x + v * kLanes, extent.from(v * kLanes));
@@ -347,7 +369,7 @@ OKPCV_INLINE void fillRow(const S* src, D* dst, int64_t width, TermList terms) {
                     P::Op::of(result[v], loadCells<P>(from[t] + x + v * kLanes, extent.from(v * kLanes)));
         }
         for (int v = 0; v < vectors; ++v)
-            storeCells<P>(dst + x + v * kLanes, result[v], extent.from(v * kLanes));
+            storeCells<P>(to + x + v * kLanes, result[v], extent.from(v * kLanes));
     });
 }
 
@@ -389,21 +411,21 @@ struct Growth {
 template <int kRun>
 inline constexpr Growth kGrowth{kRun};
 
-// Rectangles of kRun elements, kStep apart, and `height` rows, for kRows rows of output of whole vectors: the
-// maxima of the columns, then with each step of growth one maximum with themselves, moved, for which a vector
-// waits until the next one is there. Reads as many vectors beyond those that it writes as there are steps.
-template <class P, int kRun, int kStep, int kRows, class T, class Height, class Watch>
-void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height height, Watch& watch) {
+// Runs of kRun elements, kStep apart, for kRows rows of output of whole vectors: take(tile, i) takes in vector i of
+// the rows, and with each step of growth there is one maximum with themselves, moved, for which a vector waits until
+// the next one is there; beside(i)(r, v) is what to write of row r. Takes as many vectors beyond those that it
+// writes as there are steps.
+template <class P, int kRun, int kStep, int kRows, class T, class Take, class Beside>
+OKPCV_INLINE void fillGrown(Image<T> dst, int64_t vectors, Take take, Beside beside) {
     constexpr int kLanes = Vec<T>::lanes;
     constexpr int kSteps = kGrowth<kRun>.steps;
-    Watch seen = watch;
     Vec<T> waiting[kSteps + 1][kRows];
     for (auto& rows : waiting) {
         for (Vec<T>& v : rows) v = zeros<T>();
     }
-    const auto advance = [&](int64_t i, auto writes) OKPCV_INLINE_LAMBDA {
+    const auto advance = [&](int64_t i, auto write) OKPCV_INLINE_LAMBDA {
         Tile<P, kRows, 1, Whole> tile(Whole{});
-        tile.fill(src.data + (i + kSteps) * kLanes, src.step, height, seen);
+        take(tile, i + kSteps);
         unrolled<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
             Vec<T> v = tile.template vector<r>();
             unrolled<kSteps>([&](auto s) OKPCV_INLINE_LAMBDA {
@@ -412,31 +434,63 @@ void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height he
                 waiting[s][r] = v;
                 v = grown;
             });
-            if constexpr (writes) store(dst.row(r) + i * kLanes, v);
+            write(r, v);
         });
     };
+    const auto put = [&](int64_t at) OKPCV_INLINE_LAMBDA {
+        advance(at, [&, result = beside(at)](auto r, Vec<T> v)
+                        OKPCV_INLINE_LAMBDA { store(dst.row(r) + at * kLanes, result(r, v)); });
+    };
     int64_t i = -kSteps;
-    for (; i < 0; ++i) advance(i, std::false_type{});
+    for (; i < 0; ++i) advance(i, [](auto, Vec<T>) OKPCV_INLINE_LAMBDA {});
     // By twos, so that what waits need not be moved from register to register.
     for (; i < vectors; i += 2) {
-        advance(i, std::true_type{});
-        advance(i + 1, std::true_type{});
+        put(i);
+        put(i + 1);
     }
+}
+
+// Rectangles of kRun elements, kStep apart, and `height` rows.
+template <class P, int kRun, int kStep, int kRows, class T, class Height, class Watch>
+void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height height, Watch& watch) {
+    Watch seen = watch;
+    fillGrown<P, kRun, kStep, kRows>(
+        dst, vectors,
+        [&](auto& tile, int64_t i)
+            OKPCV_INLINE_LAMBDA { tile.fill(src.data + i * Vec<T>::lanes, src.step, height, seen); },
+        [](int64_t) OKPCV_INLINE_LAMBDA { return [](auto, Vec<T> v) OKPCV_INLINE_LAMBDA { return v; }; });
     watch = seen;
 }
 
-template <class P, class S, class D, class Next, class Take>
-OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Next next,
+// Crosses of such a run, of which `runs` has the first elements, and a column of as many rows, of which `columns`
+// has the first. Watches what columns see.
+template <class P, int kRun, int kStep, int kRows, class T, class Watch>
+void fillCrosses(Image<const T> runs, Image<const T> columns, Image<T> dst, int64_t vectors, Watch& watch) {
+    Watch seen = watch;
+    NoWatch none;
+    constexpr int kLanes = Vec<T>::lanes;
+    fillGrown<P, kRun, kStep, kRows>(
+        dst, vectors,
+        [&](auto& tile, int64_t i) OKPCV_INLINE_LAMBDA {
+            tile.template takeShort<1, true>(runs.data + i * kLanes, runs.step, none);
+        },
+        [&](int64_t i) OKPCV_INLINE_LAMBDA {
+            Tile<P, kRows, 1, Whole> tile(Whole{});
+            tile.fill(columns.data + i * kLanes, columns.step, std::integral_constant<int, kRun>{}, seen);
+            return [tile](auto r, Vec<T> v)
+                       OKPCV_INLINE_LAMBDA { return P::Op::of(v, tile.template vector<r>()); };
+        });
+    watch = seen;
+}
+
+template <class P, class S, class D, class Beside, class Take>
+OKPCV_INLINE void fillRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, Beside& beside,
                            Take take) {
     int64_t y = 0;
     if (width >= Vec<S>::lanes) {
-        for (; y + 4 <= rows; y += 4)
-            fillTiles<P, 4>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width,
-                            next.from(y), take);
+        for (; y + 4 <= rows; y += 4) fillTiles<P, 4>(src, dst, y, width, beside, take);
     }
-    for (; y < rows; ++y)
-        fillTiles<P, 1>(Image<const S>{src.row(y), src.step}, Image<D>{dst.row(y), dst.step}, width, NoRows{},
-                        take);
+    for (; y < rows; ++y) fillTiles<P, 1>(src, dst, y, width, beside, take);
 }
 
 }  // namespace detail
@@ -449,7 +503,8 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
     Watch seen = watch;
     const int64_t step = src.step;
     const auto withHeight = [&](auto take) OKPCV_INLINE_LAMBDA {
-        detail::fillRows<P>(src, dst, width, rows, NoRows{}, take);
+        Nothing nothing;
+        detail::fillRows<P>(src, dst, width, rows, nothing, take);
     };
     switch (height) {
         case 1:
@@ -472,10 +527,11 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
 }
 
 // dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
-// read, and ignore, a vector beyond each row of src. Fetches the next rows where the terms are not so few or so
-// alike that there is a loop for them.
-template <class P, class S, class D, class Next>
-void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms, Next next) {
+// read, and ignore, a vector beyond each row of src. For a single term or a run along the row, which the terms of
+// no mask but a rectangle are, nothing is done beside.
+template <class P, class S, class D, class Beside>
+void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms,
+                 Beside& beside) {
     if (terms.count() == 1) {
         NoWatch none;
         const Term& term = *terms.begin;
@@ -500,13 +556,15 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
             if (fillRuns(std::integral_constant<int, 1>{}) || fillRuns(std::integral_constant<int, 3>{}) ||
                 fillRuns(std::integral_constant<int, 4>{}))
                 return;
-            for (int64_t y = 0; y < rows; ++y)
-                detail::fillRow<P, count>(src.row(y), dst.row(y), width, terms);
+            Beside here = beside;
+            for (int64_t y = 0; y < rows; ++y) detail::fillRow<P, count>(src, dst, y, width, terms, here);
+            beside = here;
         });
     }
     NoWatch none;
+    Beside here = beside;
     const int64_t step = src.step;
-    detail::fillRows<P>(src, dst, width, rows, next, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
+    detail::fillRows<P>(src, dst, width, rows, here, [&](auto& tile, const S* p) OKPCV_INLINE_LAMBDA {
         const Term* t = terms.begin;
         const Term* end = t + terms.ofHeight[0];
         if (t != end) {
@@ -523,6 +581,12 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
         end += terms.taller;
         for (; t != end; ++t) tile.template takeTall<false>(p + t->offset, step, t->height, none);
     });
+    beside = here;
+}
+template <class P, class S, class D>
+void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
+    Nothing nothing;
+    combineRows<P>(src, dst, width, rows, terms, nothing);
 }
 
 // dst(x, y) = the maximum of the `height` elements of src from (x, y) down, for at most `height` rows, by
@@ -595,39 +659,65 @@ constexpr int64_t vectorsBeyond(int32_t run) {
 
 inline constexpr int kRectangleRows = 4;
 
+namespace detail {
+
+// Calls fill(length, step, y, rows) with what the code knows about a run, for all rows: as many together as leaves
+// what waits and what is watched in registers.
+template <class T, class Watch, class Fill>
+OKPCV_INLINE void forRowsOfRuns(int64_t rows, int32_t run, int channels, Fill fill) {
+    const auto fillAll = [&](auto length, auto step) OKPCV_INLINE_LAMBDA {
+        if constexpr (canCombineRectangle<T>(length, step)) {
+            static_assert(vectorsBeyond(length) == kGrowth<length>.steps);
+            constexpr bool isLight = length <= 3 && std::is_same_v<Watch, NoWatch>;
+            constexpr int kRows = isLight ? kRectangleRows : kRectangleRows / 2;
+            for (int64_t y = 0; y < rows; y += kRows)
+                fill(length, step, std::integral_constant<int, kRows>{}, std::min(y, rows - kRows));
+        }
+    };
+    withCount<1, 7>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
+        if (channels == 1) return fillAll(length, std::integral_constant<int, 1>{});
+        // There are no pixels of two bytes with several channels.
+        if constexpr (sizeof(T) != 2) {
+            if (channels == 3) return fillAll(length, std::integral_constant<int, 3>{});
+            fillAll(length, std::integral_constant<int, 4>{});
+        }
+    });
+}
+
+}  // namespace detail
+
 // dst(x, y) = the maximum of the elements of src from (x, y) on that are a run of pixels of `channels` elements
 // and `height` rows, for an even number of whole vectors of at least kRectangleRows rows. Watches all rows of
 // the source but the first height - 1.
 template <class P, class T, class Watch>
 void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run,
                       int channels, int32_t height, Watch& watch) {
-    const auto fill = [&](auto length, auto step, auto knownHeight) OKPCV_INLINE_LAMBDA {
-        if constexpr (canCombineRectangle<T>(length, step)) {
-            static_assert(vectorsBeyond(length) == detail::kGrowth<length>.steps);
-            // As many rows together as leaves what waits and what is watched in registers.
-            constexpr bool isLight = length <= 3 && std::is_same_v<Watch, NoWatch>;
-            constexpr int kRows = isLight ? kRectangleRows : kRectangleRows / 2;
-            for (int64_t next = 0; next < rows; next += kRows) {
-                const int64_t y = std::min(next, rows - kRows);
-                detail::fillRectangles<P, length, step, kRows>(Image<const T>{src.row(y), src.step},
-                                                               Image<T>{dst.row(y), dst.step}, vectors,
-                                                               knownHeight, watch);
+    detail::forRowsOfRuns<T, Watch>(
+        rows, run, channels, [&](auto length, auto step, auto together, int64_t y) OKPCV_INLINE_LAMBDA {
+            const auto fill = [&](auto knownHeight) OKPCV_INLINE_LAMBDA {
+                detail::fillRectangles<P, length, step, together>(Image<const T>{src.row(y), src.step},
+                                                                  Image<T>{dst.row(y), dst.step}, vectors,
+                                                                  knownHeight, watch);
+            };
+            // Squares are worth code of their own.
+            if (height == length) return fill(length);
+            fill(height);
+        });
+}
+
+// The same for crosses: dst(x, y) = the maximum of the run of pixels from (x, y) on in `runs` and of the column of
+// as many rows from (x, y) down in `columns`. Watches all rows of columns but the first run - 1.
+template <class P, class T, class Watch>
+void combineCross(Image<const T> runs, Image<const T> columns, Image<T> dst, int64_t vectors, int64_t rows,
+                  int32_t run, int channels, Watch& watch) {
+    detail::forRowsOfRuns<T, Watch>(
+        rows, run, channels, [&](auto length, auto step, auto together, int64_t y) OKPCV_INLINE_LAMBDA {
+            if constexpr (length > 1) {
+                detail::fillCrosses<P, length, step, together>(
+                    Image<const T>{runs.row(y), runs.step}, Image<const T>{columns.row(y), columns.step},
+                    Image<T>{dst.row(y), dst.step}, vectors, watch);
             }
-        }
-    };
-    const auto fillAny = [&](auto length, auto step) OKPCV_INLINE_LAMBDA {
-        // Squares are worth code of their own.
-        if (height == length) return fill(length, step, length);
-        fill(length, step, height);
-    };
-    withCount<1, 7>(run, [&](auto length) OKPCV_INLINE_LAMBDA {
-        if (channels == 1) return fillAny(length, std::integral_constant<int, 1>{});
-        // There are no pixels of two bytes with several channels.
-        if constexpr (sizeof(T) != 2) {
-            if (channels == 3) return fillAny(length, std::integral_constant<int, 3>{});
-            fillAny(length, std::integral_constant<int, 4>{});
-        }
-    });
+        });
 }
 
 // The longest runs that combineDoubled makes: with the last step a whole vector joins the next one.

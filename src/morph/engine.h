@@ -1,7 +1,7 @@
 // The engine of morphology for images of whole bytes: it carries rows of the source through the planes of a
 // plan and combines them into rows of the destination, strip by strip and a few rows at a time, so that what
-// is in use stays in the nearer caches. The interior of a small rectangle goes from the source to the
-// destination at once. Opening, closing and their relatives can run it twice over one spec.
+// is in use stays in the nearer caches. The interior of a small mask goes from the source to the destination at
+// once. Opening, closing and their relatives can run it twice over one spec.
 //
 // M. van Herk, "A fast algorithm for local minimum and maximum filters on rectangular and octagonal kernels",
 // Pattern Recognition Letters 13 (1992); J. Gil and M. Werman, "Computing 2-D min, median, and max filters",
@@ -133,10 +133,11 @@ class Engine {
     // So many columns beside the region are made column by column, more row by row.
     static constexpr int64_t kFewColumns = 8;
     // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the longer
-    // runs of rectangles.
+    // runs of rectangles, fewer for crosses.
     static constexpr int32_t kShortRun = 3;
     static constexpr int64_t kLeastVectors = 48;
     static constexpr int64_t kLeastVectorsLong = 96;
+    static constexpr int64_t kLeastVectorsCross = 32;
     // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each visit
     // takes in the rows that a mask reaches anew, so taller masks are not small.
     static constexpr int64_t kInteriorRows = 64;
@@ -175,36 +176,53 @@ class Engine {
     // Where the pixels under a small mask are all in readable memory, so that they are taken from there: output
     // columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
     struct Interior {
-        Spec::Place block;  // what of the mask counts
+        enum class Kind { Rectangle, Cross, Terms } kind = Kind::Rectangle;
+        Spec::Place block{};  // what of the mask counts
+        Spec::Cross cross{};
         int64_t leastVectors = kLeastVectors;
         int64_t beyond = 0;  // vectors of the source that are read beyond those that are written
         int64_t x = 0, vectors = 0, top = 0, bottom = 0;
     };
     Interior findInterior() const {
+        using Kind = typename Interior::Kind;
         constexpr int kLanes = Vec<Pixel>::lanes;
-        Interior in{{0, 0, header_.maskWidth, header_.maskHeight}};
-        const Spec::Place& block = in.block;
+        Interior in;
         // Strips beside it are as wide as the scratch memory only if the region is no wider than promised.
         if (job_.size.width > header_.roiWidth) return in;
+        const auto grows = [&](Spec::Place block) {
+            return block.height <= RowIntake<P, Watch>::kTallest &&
+                   canCombineRectangle<Pixel>(block.length, job_.channels);
+        };
+        in.cross = spec_.findCross();
+        const Spec::Place crossBlock{in.cross.column.row, in.cross.row.column, in.cross.row.length,
+                                     in.cross.column.height};
         if (spec_.isRectangle()) {
             in.block = spec_.block(0);
-            if (block.height > RowIntake<P, Watch>::kTallest ||
-                !canCombineRectangle<Pixel>(block.length, job_.channels))
-                return in;
-            if (block.length > kShortRun) in.leastVectors = kLeastVectorsLong;
-            in.beyond = vectorsBeyond(block.length);
+            if (!grows(in.block)) return in;
+        } else if (crossBlock.length > 1 && crossBlock.length == crossBlock.height && grows(crossBlock)) {
+            in.kind = Kind::Cross;
+            in.block = crossBlock;
         } else {
-            // Watching the pixels would cost more than is saved.
-            constexpr bool isWatched = !std::is_same_v<Watch, NoWatch>;
-            if (isWatched || plan_.planeCount() > 1 || header_.slope != 0 || block.height > kInteriorRows)
-                return in;
-            in.beyond = int64_t{block.length} * job_.channels / kLanes + 2;
+            in.kind = Kind::Terms;
+            in.block = {0, 0, header_.maskWidth, header_.maskHeight};
+            if (plan_.planeCount() > 1 || header_.slope != 0 || in.block.height > kInteriorRows) return in;
+            // But for a few single rows, watching the pixels costs more than is saved.
+            const TermList terms = plan_.terms();
+            const bool areFew = terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts;
+            if (!std::is_same_v<Watch, NoWatch> && !areFew) return in;
         }
+        const Spec::Place& block = in.block;
+        if (in.kind == Kind::Rectangle && block.length > kShortRun) in.leastVectors = kLeastVectorsLong;
+        if (in.kind == Kind::Cross) in.leastVectors = kLeastVectorsCross;
+        in.beyond = in.kind == Kind::Terms ? int64_t{block.length} * job_.channels / kLanes + 2
+                                           : vectorsBeyond(block.length);
         const Border& border = job_.border;
         const int64_t left = header_.anchorX - block.column, above = header_.anchorY - block.row;
         const int64_t below = block.height - 1 - above;
         const int64_t readableTo = job_.size.width + (border.rightInMemory() ? header_.rightExtent : 0);
         in.x = border.leftInMemory() ? 0 : std::max<int64_t>(left, 0);
+        // The columns of crosses begin where vectors do. The strip beside them watches what only runs reach.
+        if (in.kind == Kind::Cross) in.x = roundUp(std::max<int64_t>(in.x, 1), kLanes);
         in.top = border.topInMemory() ? 0 : std::max<int64_t>(above, 0);
         in.bottom = job_.size.height - (border.bottomInMemory() ? 0 : std::max<int64_t>(below, 0));
         const int64_t written = (job_.size.width - in.x) * job_.channels / kLanes;
@@ -218,6 +236,7 @@ class Engine {
         const int64_t x = in.x, vectors = in.vectors, top = in.top, bottom = in.bottom;
         const int64_t aVector = Vec<Pixel>::lanes;
         const int64_t leftWidth = std::min(std::max(x, aVector), job_.size.width);
+        // There always is a strip at the right, which watches what is read beyond the interior.
         const int64_t rightX = std::clamp<int64_t>((x * job_.channels + vectors * aVector) / job_.channels, 0,
                                                    job_.size.width - leftWidth);
         const auto from = [&](int64_t y) {
@@ -225,22 +244,36 @@ class Engine {
                                           (x - header_.anchorX + block.column) * job_.channels,
                                       job_.src.step};
         };
-        const TermList terms = spec_.isRectangle() ? TermList{} : termsInSource();
+        const TermList terms = in.kind == Interior::Kind::Terms ? termsInSource() : TermList{};
         if (!runStrips(0, top)) return false;
         watchRows(from(top), (vectors + in.beyond) * aVector, block.height - 1, watch_);
         for (int64_t y = top; y < bottom; y += kInteriorRows) {
             const int64_t end = std::min(y + kInteriorRows, bottom);
             // At least the rows that are combined together: the block may overlap the one before.
             const int64_t begin = std::min(y, bottom - kRectangleRows);
-            if (spec_.isRectangle()) {
-                combineRectangle<P>(from(begin), destination(x, begin), vectors, end - begin, block.length,
-                                    job_.channels, block.height, watch_);
-            } else {
-                combineRows<P>(from(begin), destination(x, begin), vectors * aVector, end - begin, terms,
-                               NoRows{});
+            const Image<const Pixel> rows = from(begin);
+            const auto part = [&](int32_t row, int32_t column) {
+                return Image<const Pixel>{rows.row(row - block.row) + (column - block.column) * job_.channels,
+                                          rows.step};
+            };
+            const Image<Pixel> to = destination(x, begin);
+            switch (in.kind) {
+                case Interior::Kind::Rectangle:
+                    combineRectangle<P>(rows, to, vectors, end - begin, block.length, job_.channels,
+                                        block.height, watch_);
+                    break;
+                case Interior::Kind::Cross:
+                    combineCross<P>(part(in.cross.row.row, block.column),
+                                    part(block.row, in.cross.column.column), to, vectors, end - begin,
+                                    block.length, job_.channels, watch_);
+                    break;
+                case Interior::Kind::Terms:
+                    WatchRows<Pixel, Watch> beside{{rows.row(block.height - 1), rows.step}, watch_};
+                    combineRows<P>(rows, to, vectors * aVector, end - begin, terms, beside);
+                    watch_ = beside.watch;
             }
             if (x > 0 && !runStrip(0, leftWidth, y, end)) return false;
-            if (rightX < job_.size.width && !runStrip(rightX, job_.size.width - rightX, y, end)) return false;
+            if (!runStrip(rightX, job_.size.width - rightX, y, end)) return false;
             if (watch_.found()) return false;
         }
         return runStrips(bottom, job_.size.height);
@@ -314,14 +347,14 @@ class Engine {
             for (int p = 1; p < plan_.planeCount(); ++p)
                 makePlane(p, planeRows(plan_.plane(p).source, old), old, kept + rows - old);
             const int64_t following = y - header_.anchorY + kept + rows;  // the source's row
-            const auto write = [&](auto next) {
-                writeRows(destination(x, y), width * job_.channels, rows, next);
+            const auto write = [&](auto beside) {
+                writeRows(destination(x, y), width * job_.channels, rows, beside);
             };
             if (isFar && following + sizes_.blockRows <= job_.size.height) {
-                write(NextRows{{reinterpret_cast<const char*>(job_.src.row(following) + x * job_.channels),
-                                job_.src.step}});
+                write(FetchRows{{reinterpret_cast<const char*>(job_.src.row(following) + x * job_.channels),
+                                 job_.src.step}});
             } else {
-                write(NoRows{});
+                write(Nothing{});
             }
             for (int p = 0; p < plan_.planeCount(); ++p) {
                 if (!plan_.plane(p).inTerms) continue;
@@ -356,13 +389,13 @@ class Engine {
 
     template <class D>
     void combine(Image<const Cell> src, Image<D> dst, int64_t width, int64_t rows, TermList terms) {
-        combineRows<P>(src, dst, width, rows, terms, NoRows{});
+        combineRows<P>(src, dst, width, rows, terms);
     }
 
-    template <class Next>
-    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows, Next next) {
+    template <class Beside>
+    void writeRows(Image<Pixel> dst, int64_t width, int64_t rows, Beside beside) {
         const Image<const Cell> src = planeRows(0, 0);
-        if (header_.slope == 0) return combineRows<P>(src, dst, width, rows, plan_.terms(), next);
+        if (header_.slope == 0) return combineRows<P>(src, dst, width, rows, plan_.terms(), beside);
         // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
         // the columns that all have are done; the ends of the rows follow, as whole vectors, row by row of
         // the mask.

@@ -76,6 +76,37 @@ class Spec {
     // Whether the mask is one upright rectangle.
     bool isRectangle() const { return header_.blockCount == 1 && header_.slope == 0; }
 
+    // A run of a row and a run of a column that cross, or meet at an end.
+    struct Cross {
+        Place row, column;
+    };
+    // Of no height when the mask is something else.
+    Cross findCross() const {
+        // The centre belongs to one of the runs; of the other there is a block on either side of it.
+        if (header_.blockCount < 2 || header_.blockCount > 3) return {};
+        Place leftmost = block(0), topmost = block(0);
+        int32_t right = 0, bottom = 0;
+        int64_t elements = 0;
+        for (int32_t i = 0; i < header_.blockCount; ++i) {
+            const Place b = block(i);
+            if (b.column < leftmost.column) leftmost = b;
+            if (b.row < topmost.row) topmost = b;
+            right = std::max(right, b.column + b.length);
+            bottom = std::max(bottom, b.row + b.height);
+            elements += int64_t{b.length} * b.height;
+        }
+        const Cross cross{{leftmost.row, leftmost.column, right - leftmost.column, 1},
+                          {topmost.row, topmost.column, 1, bottom - topmost.row}};
+        for (int32_t i = 0; i < header_.blockCount; ++i) {
+            const Place b = block(i);
+            const bool inRow = b.row == cross.row.row && b.height == 1;
+            const bool inColumn = b.column == cross.column.column && b.length == 1;
+            if (!inRow && !inColumn) return {};
+        }
+        const bool meet = elements == int64_t{cross.row.length} + cross.column.height - 1;
+        return meet ? cross : Cross{};
+    }
+
   private:
     SpecHeader header_;
     const char* blocks_;

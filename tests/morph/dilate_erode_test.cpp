@@ -1,7 +1,11 @@
 // Dilation and erosion against their definition, bit for bit, for all types of whole bytes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 #include "morph/reference.h"
@@ -136,8 +140,11 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
         const int w = random.integer(1, 9), h = random.integer(1, i % 5 == 0 ? 18 : 7);
         const int l = random.integer(0, 2), t = random.integer(0, 2);
         const double part = random.chance(0.6) ? 1 : 0.6;
+        const int row = random.integer(0, h - 1), column = random.integer(0, w - 1);
+        const bool isCross = random.chance(0.3);
         const Mask mask(l + w + random.integer(0, 2), t + h + random.integer(0, 2), [&](int x, int y) {
-            return x >= l && x < l + w && y >= t && y < t + h && random.chance(part);
+            const bool inCross = x - l == column || y - t == row;
+            return x >= l && x < l + w && y >= t && y < t + h && (isCross ? inCross : random.chance(part));
         });
         expectDefinition(e, random, roi, mask, randomBorder(random, true),
                          random.chance(0.5) ? 1.0 / (roi.width * roi.height) : 0);
@@ -160,6 +167,59 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
     // So much memory that it lies in no near cache.
     const Mask disc(7, 7, [](int i, int j) { return (i - 3) * (i - 3) + (j - 3) * (j - 3) < 12; });
     expectDefinition(e, random, {40, 200}, disc, BorderReplicate, 0, 32768);
+}
+
+// The only NaN of an image counts wherever it stands, also beside the region.
+TEST(DilateErode, OneNanAmongNumbers) {
+    Random random(9);
+    const auto cross = [](int n) {
+        return Mask(n, n, [n](int i, int j) { return i == n / 2 || j == n / 3; });
+    };
+    const Mask scattered(5, 3, [](int i, int j) { return (i + j) % 2 == 0 && i != 2; });
+    const Mask farLeft(31, 3, [](int i, int j) { return i < 3 && (i == 1 || j == 1); });
+    const Mask corner(3, 3, [](int i, int j) { return i == 2 || j == 2; });
+    const uint32_t inside = 0, columnsInMemory = BorderInMemLeft | BorderInMemRight,
+                   inMemory = BorderInMemory;
+    for (const Mask& mask : {cross(3), cross(5), cross(7), corner, scattered, farLeft}) {
+        for (const uint32_t sides : {inside, columnsInMemory, inMemory}) {
+            // From the first vector of a cross and from the first column on, whole pairs of vectors.
+            const RoiSize roi{sides == inside ? 451 : sides == columnsInMemory ? 452 : 456, 16};
+            GuardedImage<float> src(
+                roi.width, roi.height,
+                {.left = mask.left(), .top = mask.above(), .right = mask.right(), .bottom = mask.below()});
+            GuardedImage<float> dst(roi.width, roi.height);
+            src.fill([&](int, int, int) { return random.real(-9, 9); });
+            const BorderKind border = BorderReplicate | sides;
+            int32_t specSize = 0, bufferSize = 0;
+            okpiMorphologyBorderGetSize_32f_C1R(roi, mask.size(), &specSize, &bufferSize);
+            const auto spec = areaOf(specSize, random), buffer = areaOf(bufferSize, random);
+            auto* const morphSpec = reinterpret_cast<MorphSpec*>(spec->data());
+            auto* const bytes = reinterpret_cast<uint8_t*>(buffer->data());
+            ASSERT_EQ(okpiMorphologyBorderInit_32f_C1R(roi, mask.bytes.data(), mask.size(), morphSpec, bytes),
+                      okpStatusOk);
+            const bool beside = sides != 0;
+            for (int x = beside ? -mask.left() : 0; x < roi.width + (beside ? mask.right() : 0); ++x) {
+                const int y = random.integer(4, 11);
+                const float kept = src.at(x, y);
+                // Smaller than all numbers, then larger.
+                const float nan = std::numeric_limits<float>::quiet_NaN();
+                src.set(x, y, std::copysign(nan, x % 2 == 0 ? -1.0F : 1.0F));
+                ASSERT_EQ(okpiDilateBorder_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), roi,
+                                                   border, 0, morphSpec, bytes),
+                          okpStatusOk);
+                for (int row = 0; row < roi.height; ++row) {
+                    for (int column = std::max(0, x - 16); column < std::min(roi.width, x + 17); ++column) {
+                        const float expected = morphed(Op::Dilate, mask, roi, border, 0.0F, column, row,
+                                                       [&](int sx, int sy) { return src.at(sx, sy); });
+                        ASSERT_EQ(std::bit_cast<uint32_t>(dst.at(column, row)),
+                                  std::bit_cast<uint32_t>(expected))
+                            << "NaN at " << x << ", " << y << " result at " << column << ", " << row;
+                    }
+                }
+                src.set(x, y, kept);
+            }
+        }
+    }
 }
 
 TEST(DilateErode, U8C1) {
