@@ -413,10 +413,10 @@ inline constexpr Growth kGrowth{kRun};
 
 // Runs of kRun elements, kStep apart, for kRows rows of output of whole vectors: take(tile, i) takes in vector i of
 // the rows, and with each step of growth there is one maximum with themselves, moved, for which a vector waits until
-// the next one is there; beside(i)(r, v) is what to write of row r. Takes as many vectors beyond those that it
+// the next one is there; results(i)(r, v) is what to write of row r. Takes as many vectors beyond those that it
 // writes as there are steps.
-template <class P, int kRun, int kStep, int kRows, class T, class Take, class Beside>
-OKPCV_INLINE void fillGrown(Image<T> dst, int64_t vectors, Take take, Beside beside) {
+template <class P, int kRun, int kStep, int kRows, class T, class Take, class Results>
+OKPCV_INLINE void fillGrown(Image<T> dst, int64_t vectors, Take take, Results results) {
     constexpr int kLanes = Vec<T>::lanes;
     constexpr int kSteps = kGrowth<kRun>.steps;
     Vec<T> waiting[kSteps + 1][kRows];
@@ -438,7 +438,7 @@ OKPCV_INLINE void fillGrown(Image<T> dst, int64_t vectors, Take take, Beside bes
         });
     };
     const auto put = [&](int64_t at) OKPCV_INLINE_LAMBDA {
-        advance(at, [&, result = beside(at)](auto r, Vec<T> v)
+        advance(at, [&, result = results(at)](auto r, Vec<T> v)
                         OKPCV_INLINE_LAMBDA { store(dst.row(r) + at * kLanes, result(r, v)); });
     };
     int64_t i = -kSteps;
@@ -661,8 +661,8 @@ inline constexpr int kRectangleRows = 4;
 
 namespace detail {
 
-// Calls fill(length, step, y, rows) with what the code knows about a run, for all rows: as many together as leaves
-// what waits and what is watched in registers.
+// Calls fill(length, step, together, y), all but y known to the code, until all rows are filled: as many together,
+// from row y on, as leaves what waits and what is watched in registers.
 template <class T, class Watch, class Fill>
 OKPCV_INLINE void forRowsOfRuns(int64_t rows, int32_t run, int channels, Fill fill) {
     const auto fillAll = [&](auto length, auto step) OKPCV_INLINE_LAMBDA {

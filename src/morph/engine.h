@@ -178,7 +178,7 @@ class Engine {
     struct Interior {
         enum class Kind { Rectangle, Cross, Terms } kind = Kind::Rectangle;
         Spec::Place block{};  // what of the mask counts
-        Spec::Cross cross{};
+        Spec::Cross cross{};  // the runs of a cross
         int64_t leastVectors = kLeastVectors;
         int64_t beyond = 0;  // vectors of the source that are read beyond those that are written
         int64_t x = 0, vectors = 0, top = 0, bottom = 0;
