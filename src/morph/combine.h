@@ -36,7 +36,7 @@ struct Nothing {
     OKPCV_INLINE void visit(int64_t, int64_t, Extent) {}
 };
 // Fetches other rows of the source, which the next output rows will need: of four, a cache line of one.
-struct FetchRows {
+struct FetchNextRows {
     Image<const char> rows;
 
     template <class T, int kRows, class Extent>
@@ -47,7 +47,7 @@ struct FetchRows {
 };
 // Watches the rows that an output row is the first to need.
 template <class S, class Watch>
-struct WatchRows {
+struct WatchNewRows {
     Image<const S> rows;
     Watch watch;
 
@@ -276,7 +276,8 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
         return withCount<2, kMostParts>(terms.count(), [&](auto count) OKPCV_INLINE_LAMBDA {
             const int64_t first = terms.begin[0].offset;
             const int64_t apart = terms.begin[1].offset - first;
-            const bool isRun = terms.begin[count - 1].offset - first == apart * (count - 1);
+            bool isRun = true;
+            for (int t = 2; t < count; ++t) isRun &= terms.begin[t].offset - first == apart * t;
             const auto fillRuns = [&](auto step) OKPCV_INLINE_LAMBDA {
                 if constexpr ((count - 1) * step <= Vec<S>::lanes) {
                     if (!isRun || apart != step || width < Vec<S>::lanes) return false;

@@ -268,7 +268,7 @@ class Engine {
                                     block.length, job_.channels, watch_);
                     break;
                 case Interior::Kind::Terms:
-                    WatchRows<Pixel, Watch> beside{{rows.row(block.height - 1), rows.step}, watch_};
+                    WatchNewRows<Pixel, Watch> beside{{rows.row(block.height - 1), rows.step}, watch_};
                     combineRows<P>(rows, to, vectors * aVector, end - begin, terms, beside);
                     watch_ = beside.watch;
             }
@@ -351,8 +351,9 @@ class Engine {
                 writeRows(destination(x, y), width * job_.channels, rows, beside);
             };
             if (isFar && following + sizes_.blockRows <= job_.size.height) {
-                write(FetchRows{{reinterpret_cast<const char*>(job_.src.row(following) + x * job_.channels),
-                                 job_.src.step}});
+                write(
+                    FetchNextRows{{reinterpret_cast<const char*>(job_.src.row(following) + x * job_.channels),
+                                   job_.src.step}});
             } else {
                 write(Nothing{});
             }

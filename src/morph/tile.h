@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <limits>
 #include <type_traits>
-#include <utility>
 
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "core/unrolled.h"
 
 namespace okpcv::morph {
 
@@ -144,7 +144,7 @@ class Tile {
         if (height == 1) return takeShort<1, true>(p, step, watch);
         if (height < kRows) {
             // By twos, which share all rows but two.
-            return forEach<kRows / 2>([&](auto i) OKPCV_INLINE_LAMBDA {
+            return unrolled<kRows / 2>([&](auto i) OKPCV_INLINE_LAMBDA {
                 takeTogether<2 * i, 2, true>(rowBelow(p, 2 * i, step), step, height, watch);
             });
         }
@@ -154,11 +154,11 @@ class Tile {
     // Takes in a term of a height below kRows, or of height 1 when kRows is 1. kFirst: the tile is empty yet.
     template <int kHeight, bool kFirst, class S, class Watch>
     OKPCV_INLINE void takeShort(const S* p, int64_t step, Watch& watch) {
-        forEach<kRows + kHeight - 1>([&](auto t) OKPCV_INLINE_LAMBDA {
+        unrolled<kRows + kHeight - 1>([&](auto t) OKPCV_INLINE_LAMBDA {
             Row row;
             fetch(row, rowBelow(p, t, step));
             if constexpr (t >= kHeight - 1) see(row, watch);
-            forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
+            unrolled<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
                 if constexpr (r <= t && t < r + kHeight) {
                     if constexpr (kFirst && r == t) {
                         rows_[r] = row;
@@ -186,7 +186,7 @@ class Tile {
 
     template <class D>
     OKPCV_INLINE void write(D* p, int64_t step) const {
-        forEach<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
+        unrolled<kRows>([&](auto r) OKPCV_INLINE_LAMBDA {
             D* const to = Image<D>{p, step}.row(r);
             for (int v = 0; v < kVectors; ++v)
                 storeCells<P>(to + v * kLanes, rows_[r].vectors[v], extent_.from(v * kLanes));
@@ -204,14 +204,6 @@ class Tile {
         Vec<Cell> vectors[kVectors];
     };
 
-    template <int kCount, class Step>
-    static OKPCV_INLINE void forEach(Step step) {
-        [&]<int... i>(std::integer_sequence<int, i...>) OKPCV_INLINE_LAMBDA {
-            (step(std::integral_constant<int, i>{}), ...);
-        }
-        (std::make_integer_sequence<int, kCount>{});
-    }
-
     // Takes a term of at least kCount rows into the kCount rows from kFrom on: the rows that they all share
     // first, then the rest of each.
     template <int kFrom, int kCount, bool kFirst, class S, class Watch>
@@ -224,7 +216,7 @@ class Tile {
             if (t == height - 1) see(row, watch);
             merge(run, row);
         }
-        forEach<kCount>([&](auto i) OKPCV_INLINE_LAMBDA {
+        unrolled<kCount>([&](auto i) OKPCV_INLINE_LAMBDA {
             constexpr int r = kCount - 1 - i;
             if constexpr (r < kCount - 1) {
                 fetch(row, rowBelow(p, r, step));
@@ -237,7 +229,7 @@ class Tile {
             }
         });
         const S* const below = rowBelow(p, height, step);
-        forEach<kCount - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
+        unrolled<kCount - 1>([&](auto i) OKPCV_INLINE_LAMBDA {
             fetch(row, rowBelow(below, i, step));
             see(row, watch);
             if constexpr (i == 0) {

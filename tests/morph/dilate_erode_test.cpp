@@ -169,6 +169,24 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
     expectDefinition(e, random, {40, 200}, disc, BorderReplicate, 0, 32768);
 }
 
+// All ways in which the elements of one row can lie, among them those that look like runs at their ends.
+TEST(DilateErode, EveryMaskOfOneRow) {
+    Random random(10);
+    const Exports<uint8_t, uint8_t> e{1,
+                                      DataType8u,
+                                      okpiMorphologyBorderGetSize_8u_C1R,
+                                      okpiMorphologyBorderInit_8u_C1R,
+                                      okpiDilateBorder_8u_C1R,
+                                      okpiErodeBorder_8u_C1R,
+                                      okpiDilate_8u_C1R_L,
+                                      okpiErode_8u_C1R_L};
+    constexpr int kWidth = 11;
+    for (int bits = 1; bits < 1 << kWidth && !testing::Test::HasFatalFailure(); ++bits) {
+        const Mask mask(kWidth, 1, [bits](int i, int) { return bits >> i & 1; });
+        expectDefinition(e, random, {40, 1}, mask, BorderReplicate, 0);
+    }
+}
+
 // The only NaN of an image counts wherever it stands, also beside the region.
 TEST(DilateErode, OneNanAmongNumbers) {
     Random random(9);
