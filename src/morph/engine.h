@@ -51,6 +51,8 @@ struct Sizes {
         window = {kept + blockRows, rowBytes / elementBytes};
     }
 
+    int64_t terms() const { return 2 * int64_t{maskWidth} * maskHeight; }
+
   private:
     static constexpr int64_t kRowBytes = 4096;
     static constexpr int64_t kLeastStripBytes = 512;
@@ -71,7 +73,7 @@ inline Scratch layOutScratch(Area& area, const Sizes& sizes) {
     const int64_t windowBytes = sizes.window.planeElements() * sizes.elementBytes;
     scratch.planes = area.take<char>(Plan::kMaxPlanes * windowBytes, 64);
     scratch.borderRows = area.take<char>(windowBytes, 64);
-    scratch.terms = area.take<Term>(2 * int64_t{sizes.maskWidth} * sizes.maskHeight);
+    scratch.terms = area.take<Term>(sizes.terms());
     scratch.weights = area.take<int64_t>(int64_t{sizes.maskWidth} + 1);
     return scratch;
 }
@@ -133,11 +135,14 @@ class Engine {
     // So many columns beside the region are made column by column, more row by row.
     static constexpr int64_t kFewColumns = 8;
     // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the longer
-    // runs of rectangles, fewer for crosses.
+    // runs of rectangles, fewer for other masks.
     static constexpr int32_t kShortRun = 3;
     static constexpr int64_t kLeastVectors = 48;
     static constexpr int64_t kLeastVectorsLong = 96;
-    static constexpr int64_t kLeastVectorsCross = 32;
+    static constexpr int64_t kLeastVectorsOther = 32;
+    // Up to so many rows of a slanted line are taken one by one; higher lines want planes, whose rows are close.
+    static constexpr int kFewSlanted = 3;
+    static constexpr int32_t kLowSlanted = 8;
     // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each visit
     // takes in the rows that a mask reaches anew, so taller masks are not small.
     static constexpr int64_t kInteriorRows = 64;
@@ -176,12 +181,14 @@ class Engine {
     // Where the pixels under a small mask are all in readable memory, so that they are taken from there: output
     // columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
     struct Interior {
-        enum class Kind { Rectangle, Cross, Terms } kind = Kind::Rectangle;
+        enum class Kind { Rectangle, Cross, Slanted, Terms } kind = Kind::Rectangle;
         Spec::Place block{};  // what of the mask counts
         Spec::Cross cross{};  // the runs of a cross
         int64_t leastVectors = kLeastVectors;
         int64_t beyond = 0;  // vectors of the source that are read beyond those that are written
         int64_t x = 0, vectors = 0, top = 0, bottom = 0;
+
+        bool combinesTerms() const { return kind == Kind::Slanted || kind == Kind::Terms; }
     };
     Interior findInterior() const {
         using Kind = typename Interior::Kind;
@@ -203,19 +210,22 @@ class Engine {
             in.kind = Kind::Cross;
             in.block = crossBlock;
         } else {
-            in.kind = Kind::Terms;
             in.block = {0, 0, header_.maskWidth, header_.maskHeight};
-            if (plan_.planeCount() > 1 || header_.slope != 0 || in.block.height > kInteriorRows) return in;
+            if (plan_.planeCount() > 1 || in.block.height > kInteriorRows) return in;
             // But for a few single rows, watching the pixels costs more than is saved.
-            const TermList terms = plan_.terms();
-            const bool areFew = terms.count() == terms.ofHeight[0] && terms.count() <= kMostParts;
-            if (!std::is_same_v<Watch, NoWatch> && !areFew) return in;
+            const bool isSlanted = header_.slope != 0;
+            const TermList terms = isSlanted ? plan_.rowByRow() : plan_.terms();
+            const bool areFew =
+                terms.count() == terms.ofHeight[0] && terms.count() <= (isSlanted ? kFewSlanted : kMostParts);
+            if (!areFew && !std::is_same_v<Watch, NoWatch>) return in;
+            if (isSlanted && (in.block.height > kLowSlanted || !haveRoomInSource())) return in;
+            in.kind = isSlanted && !areFew ? Kind::Slanted : Kind::Terms;
         }
         const Spec::Place& block = in.block;
         if (in.kind == Kind::Rectangle && block.length > kShortRun) in.leastVectors = kLeastVectorsLong;
-        if (in.kind == Kind::Cross) in.leastVectors = kLeastVectorsCross;
-        in.beyond = in.kind == Kind::Terms ? int64_t{block.length} * job_.channels / kLanes + 2
-                                           : vectorsBeyond(block.length);
+        if (in.kind != Kind::Rectangle) in.leastVectors = kLeastVectorsOther;
+        in.beyond = in.combinesTerms() ? int64_t{block.length} * job_.channels / kLanes + 2
+                                       : vectorsBeyond(block.length);
         const Border& border = job_.border;
         const int64_t left = header_.anchorX - block.column, above = header_.anchorY - block.row;
         const int64_t below = block.height - 1 - above;
@@ -244,7 +254,8 @@ class Engine {
                                           (x - header_.anchorX + block.column) * job_.channels,
                                       job_.src.step};
         };
-        const TermList terms = in.kind == Interior::Kind::Terms ? termsInSource() : TermList{};
+        TermList terms{}, rowByRow{};
+        if (in.combinesTerms()) moveToSource(terms, rowByRow);
         if (!runStrips(0, top)) return false;
         watchRows(from(top), (vectors + in.beyond) * aVector, block.height - 1, watch_);
         for (int64_t y = top; y < bottom; y += kInteriorRows) {
@@ -267,9 +278,13 @@ class Engine {
                                     part(block.row, in.cross.column.column), to, vectors, end - begin,
                                     block.length, job_.channels, watch_);
                     break;
+                case Interior::Kind::Slanted:
+                    combineSlanted(rows, to, vectors * aVector, end - begin, terms, rowByRow);
+                    break;
                 case Interior::Kind::Terms:
                     WatchNewRows<Pixel, Watch> beside{{rows.row(block.height - 1), rows.step}, watch_};
-                    combineRows<P>(rows, to, vectors * aVector, end - begin, terms, beside);
+                    combineRows<P>(rows, to, vectors * aVector, end - begin,
+                                   header_.slope == 0 ? terms : rowByRow, beside);
                     watch_ = beside.watch;
             }
             if (x > 0 && !runStrip(0, leftWidth, y, end)) return false;
@@ -278,18 +293,22 @@ class Engine {
         }
         return runStrips(bottom, job_.size.height);
     }
-    // The terms of a mask that combines pixels only, relative to the source's pixel under its first element.
-    TermList termsInSource() const {
-        TermList terms = plan_.terms();
-        Term* const inSource = scratch_.terms + terms.count();
+    bool haveRoomInSource() const {
+        return 2 * (plan_.terms().count() + plan_.rowByRow().count()) <= sizes_.terms();
+    }
+    // The plan's terms, which combine pixels only, relative to the source's pixel under the mask's first element.
+    void moveToSource(TermList& terms, TermList& rowByRow) const {
+        terms = plan_.terms(), rowByRow = plan_.rowByRow();
+        Term* to = scratch_.terms + terms.count() + rowByRow.count();
         const int64_t step = job_.src.step / int64_t{sizeof(Pixel)};
-        for (int32_t i = 0; i < terms.count(); ++i) {
-            const Term& term = terms.begin[i];
-            const int64_t row = term.offset / sizes_.window.step;
-            inSource[i] = {term.offset + row * (step - sizes_.window.step), term.height};
+        for (TermList* list : {&terms, &rowByRow}) {
+            const Term* const from = list->begin;
+            list->begin = to;
+            for (int32_t i = 0; i < list->count(); ++i) {
+                const int64_t row = from[i].offset / sizes_.window.step;
+                *to++ = {from[i].offset + row * (step - sizes_.window.step), from[i].height};
+            }
         }
-        terms.begin = inSource;
-        return terms;
     }
 
     // A strip of rows `top` to `bottom` - 1.
@@ -397,20 +416,24 @@ class Engine {
     void writeRows(Image<Pixel> dst, int64_t width, int64_t rows, Beside beside) {
         const Image<const Cell> src = planeRows(0, 0);
         if (header_.slope == 0) return combineRows<P>(src, dst, width, rows, plan_.terms(), beside);
-        // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only
-        // the columns that all have are done; the ends of the rows follow, as whole vectors, row by row of
-        // the mask.
+        combineSlanted(src, dst, width, rows, plan_.terms(), plan_.rowByRow());
+    }
+
+    // Along the slope the mask is upright: a step down is a step sideways too. Of four rows together only the
+    // columns that all have are done; the ends of the rows follow, as whole vectors, row by row of the mask.
+    template <class S>
+    OKPCV_INLINE void combineSlanted(Image<const S> src, Image<Pixel> dst, int64_t width, int64_t rows,
+                                     TermList terms, TermList rowByRow) {
         const int64_t slope = int64_t{header_.slope} * job_.channels;
         constexpr int64_t kTogether = 4;
         const int64_t shift = (kTogether - 1) * (slope < 0 ? -slope : slope);
         const int64_t end = std::max<int64_t>(shift, Vec<Cell>::lanes);
-        const TermList rowByRow = plan_.rowByRow();
         int64_t y = 0;
         for (; y + kTogether <= rows && width >= 2 * end; y += kTogether) {
             const int64_t begin = slope < 0 ? shift : 0;
-            combine({src.row(y) + begin, src.step + slope * int64_t{sizeof(Cell)}},
+            combine({src.row(y) + begin, src.step + slope * int64_t{sizeof(S)}},
                     Image<Pixel>{dst.row(y) + begin, dst.step + slope * int64_t{sizeof(Pixel)}},
-                    width - shift, kTogether, plan_.terms());
+                    width - shift, kTogether, terms);
             combine({src.row(y), src.step}, Image<Pixel>{dst.row(y), dst.step}, end, kTogether, rowByRow);
             combine({src.row(y) + width - end, src.step}, Image<Pixel>{dst.row(y) + width - end, dst.step},
                     end, kTogether, rowByRow);

@@ -137,14 +137,20 @@ void expectDefinitionEverywhere(const Exports<T, Value>& e, uint32_t seed) {
         const int bytes = random.integer(600, i % 4 == 0 ? 4200 : 1400);
         const RoiSize roi{bytes / e.channels / static_cast<int>(sizeof(T)),
                           i % 10 == 0 ? random.integer(60, 140) : random.integer(1, 14)};
-        const int w = random.integer(1, 9), h = random.integer(1, i % 5 == 0 ? 18 : 7);
+        const bool isCross = random.chance(0.3), isSlanted = !isCross && random.chance(0.3);
+        const int h = random.integer(1, i % 5 == 0 ? 18 : 7);
+        const int slope = random.integer(-2, 2), thickness = random.integer(1, 4);
+        const int w = isSlanted ? thickness + std::abs(slope) * (h - 1) : random.integer(1, 9);
         const int l = random.integer(0, 2), t = random.integer(0, 2);
         const double part = random.chance(0.6) ? 1 : 0.6;
         const int row = random.integer(0, h - 1), column = random.integer(0, w - 1);
-        const bool isCross = random.chance(0.3);
         const Mask mask(l + w + random.integer(0, 2), t + h + random.integer(0, 2), [&](int x, int y) {
-            const bool inCross = x - l == column || y - t == row;
-            return x >= l && x < l + w && y >= t && y < t + h && (isCross ? inCross : random.chance(part));
+            x -= l, y -= t;
+            if (x < 0 || x >= w || y < 0 || y >= h) return false;
+            if (isCross) return x == column || y == row;
+            const int begin = slope * y - std::min(0, slope * (h - 1));
+            if (isSlanted) return x >= begin && x < begin + thickness;
+            return random.chance(part);
         });
         expectDefinition(e, random, roi, mask, randomBorder(random, true),
                          random.chance(0.5) ? 1.0 / (roi.width * roi.height) : 0);
@@ -196,9 +202,10 @@ TEST(DilateErode, OneNanAmongNumbers) {
     const Mask scattered(5, 3, [](int i, int j) { return (i + j) % 2 == 0 && i != 2; });
     const Mask farLeft(31, 3, [](int i, int j) { return i < 3 && (i == 1 || j == 1); });
     const Mask corner(3, 3, [](int i, int j) { return i == 2 || j == 2; });
+    const Mask slanted(4, 4, [](int i, int j) { return i + j == 3 && j < 3; });
     const uint32_t inside = 0, columnsInMemory = BorderInMemLeft | BorderInMemRight,
                    inMemory = BorderInMemory;
-    for (const Mask& mask : {cross(3), cross(5), cross(7), corner, scattered, farLeft}) {
+    for (const Mask& mask : {cross(3), cross(5), cross(7), corner, scattered, farLeft, slanted}) {
         for (const uint32_t sides : {inside, columnsInMemory, inMemory}) {
             // From the first vector of a cross and from the first column on, whole pairs of vectors.
             const RoiSize roi{sides == inside ? 451 : sides == columnsInMemory ? 452 : 456, 16};
