@@ -478,10 +478,13 @@ void combineDoubled(Image<const T> src, Image<T> dst, int64_t vectors, int64_t r
 template <class T, class Watch>
 void watchRows(Image<const T> src, int64_t width, int64_t rows, Watch& watch) {
     if constexpr (!std::is_same_v<Watch, NoWatch>) {
+        Watch seen = watch;
         for (int64_t y = 0; y < rows; ++y) {
-            detail::coverRow<Vec<T>::lanes, 1>(
-                width, [&](auto, auto extent, int64_t x) { watch.see(load(src.row(y) + x, extent)); });
+            detail::coverRow<Vec<T>::lanes, 1>(width, [&](auto, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+                seen.see(load(src.row(y) + x, extent));
+            });
         }
+        watch = seen;
     }
 }
 

@@ -135,11 +135,10 @@ class Engine {
     // So many columns beside the region are made column by column, more row by row.
     static constexpr int64_t kFewColumns = 8;
     // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the longer
-    // runs of rectangles, fewer for other masks.
+    // runs of rectangles.
     static constexpr int32_t kShortRun = 3;
-    static constexpr int64_t kLeastVectors = 48;
-    static constexpr int64_t kLeastVectorsLong = 96;
-    static constexpr int64_t kLeastVectorsOther = 32;
+    static constexpr int64_t kLeastVectors = 32;
+    static constexpr int64_t kLeastVectorsLong = 64;
     // Up to so many rows of a slanted line are taken one by one; higher lines want planes, whose rows are close.
     static constexpr int kFewSlanted = 3;
     static constexpr int32_t kLowSlanted = 8;
@@ -223,7 +222,6 @@ class Engine {
         }
         const Spec::Place& block = in.block;
         if (in.kind == Kind::Rectangle && block.length > kShortRun) in.leastVectors = kLeastVectorsLong;
-        if (in.kind != Kind::Rectangle) in.leastVectors = kLeastVectorsOther;
         in.beyond = in.combinesTerms() ? int64_t{block.length} * job_.channels / kLanes + 2
                                        : vectorsBeyond(block.length);
         const Border& border = job_.border;
