@@ -26,8 +26,8 @@
  * 3. Survivors whose magnitude, as a float, exceeds the high threshold are edges, and so are survivors that
  *    touch an edge at a side or a corner.
  *
- * A low threshold beyond the integers (or NaN) leaves no edge. Large destinations are streamed past the
- * caches (see okpGetMaxCacheSizeB()).
+ * With integer derivatives a low threshold beyond the integers leaves no edge, and a threshold that is NaN
+ * never does. Large destinations are streamed past the caches (see okpGetMaxCacheSizeB()).
  *
  * Source: J. Canny, "A Computational Approach to Edge Detection", IEEE Transactions on Pattern Analysis and
  * Machine Intelligence 8 (1986).

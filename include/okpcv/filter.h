@@ -169,8 +169,8 @@ OKPCV_API okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const
  * @param[in]  dstStep      Step of the destination in bytes.
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  borderType   #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
- *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left, @f$ k_w - 1
- * - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ k_h - 1 - a_y @f$ below are read. Where a region is
+ *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left, to the right
+ *                          @f$ k_w - 1 - a_x @f$, @f$ a_y @f$ rows above and @f$ k_h - 1 - a_y @f$ below are read. Where a region is
  * too small to be mirrored once, it is mirrored repeatedly.
  * @param[in]  borderValue  Value of #BorderConstant, in the source's type (for images of several channels a
  *                          pointer to one value per channel); ignored for other kinds.
@@ -1516,8 +1516,8 @@ OKPCV_API okpStatus okpiFilterSobelCrossBorder_8u16s_C1R(const uint8_t* pSrc, in
  * @brief Mixed second derivative of a float image.
  *
  * @f$ dst(x, y) = \sum_j d_j \sum_i d_i \, src(x + i, y + j) @f$ with the first derivative of the mask,
- * unscaled, both sums in the kernel's order: of finite pixels, the result of okpiFilterSeparable_32f_C1R()
- * with the kernel of okpiGenSobelKernel_32f() for rows and columns.
+ * unscaled, both sums in the kernel's order: where no sum overflows, the result of
+ * okpiFilterSeparable_32f_C1R() with the kernel of okpiGenSobelKernel_32f() for rows and columns.
  *
  * @copydetails okpiFilterLowpassBorder_8u_C1R
  */

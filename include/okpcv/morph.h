@@ -42,7 +42,7 @@
  * +0, positive numbers, +Inf, +NaN, where the sign of a NaN is its sign bit. So -0 counts as smaller than +0,
  * a NaN with its sign clear wins every dilation and loses every erosion, and one with its sign set the other
  * way round. Each result is one of the source's pixels (or the border value), bit for bit, however the image
- * is divided into regions.
+ * is divided into regions. A caller that has the processor treat denormals as zeros gets them compared so.
  *
  * Two generations of functions share one spec: those for 32-bit sizes, and those whose names end in `_L`.
  * In both a spec is filled once from the mask and then serves any number of dilations and erosions, also

@@ -684,7 +684,8 @@ OKPCV_API okpStatus okpiMarkSpecklesGetBufferSize(RoiSize roiSize, DataTypeCode 
  * pixels are set to `speckleVal`. Pixels that equal `speckleVal` stay as they are and separate regions.
  *
  * A negative `maxPixDiff` joins nothing; a `maxSpeckleSize` below 1 makes no region a speckle. A NaN pixel is
- * a region of its own.
+ * a region of its own, and so is an infinite one, whose difference from its like is NaN, unless an infinite
+ * `maxPixDiff` joins it with others.
  *
  * Source: H. Hirschmueller, "Stereo Processing by Semiglobal Matching and Mutual Information", IEEE
  * Transactions on Pattern Analysis and Machine Intelligence 30(2), 2008, section 2.5.

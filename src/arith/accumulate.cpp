@@ -1,6 +1,7 @@
 // Accumulators: d + s, d + s * s, d + s1 * s2 and (s - d) * w + d on a float image d, with and without a
 // mask. Bound by memory: per four pixels one accumulator vector is loaded and stored beside 1 to 9 bytes per
-// pixel of sources and mask. Each formula is written once; products are rounded before they are added.
+// pixel of sources and mask. Each formula is written once; products are rounded before they are added, and
+// where NaNs meet, the first one of the formula stays.
 #include "core/cache.h"
 #include "core/checks.h"
 #include "core/image.h"
@@ -41,7 +42,7 @@ template <class S>
 OKPCV_INLINE Floats<S> product(Vec<S> a, Vec<S> b) {
     Floats<S> x = toFloats(a);
     const Floats<S> y = toFloats(b);
-    for (int i = 0; i < Floats<S>::kCount; ++i) x.part[i] = x.part[i] * y.part[i];
+    for (int i = 0; i < Floats<S>::kCount; ++i) multiply(x.part[i], y.part[i]);
     return x;
 }
 OKPCV_INLINE Floats<uint8_t> product(Vec<uint8_t> a, Vec<uint8_t> b) {
@@ -67,7 +68,9 @@ template <class S, class Extent>
 OKPCV_INLINE void addTo(float* d, Floats<S> terms, Extent extent) {
     for (int i = 0; i < Floats<S>::kCount; ++i) {
         const auto rest = extent.from(i * kLanes);
-        store(d + i * kLanes, load(d + i * kLanes, rest) + terms.part[i], rest);
+        Vec<float> sum = load(d + i * kLanes, rest);
+        accumulate(sum, terms.part[i]);
+        store(d + i * kLanes, sum, rest);
     }
 }
 
@@ -165,6 +168,13 @@ okpStatus addProductMasked(Image<const S> src1, Image<const S> src2, Image<const
     return okpStatusOk;
 }
 
+// (a - b) * w, the change that AddWeighted adds to b.
+OKPCV_INLINE Vec<float> weighted(Vec<float> a, Vec<float> b, Vec<float> w) {
+    Vec<float> change = a - b;
+    multiply(change, w);
+    return change;
+}
+
 // AddWeighted in place.
 template <class S>
 okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, float weight) {
@@ -175,7 +185,9 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s) {
         const Vec<float> before = inRegister(load(d, extent));
-        store(d, (loadAs<float>(s, extent) - before) * w + before, extent);
+        Vec<float> sum = weighted(loadAs<float>(s, extent), before, w);
+        accumulate(sum, before);
+        store(d, sum, extent);
     };
     mapRows<kLanes, kFetchBeside<S>>(size, kernel, dst, src);
     return okpStatusOk;
@@ -195,8 +207,10 @@ okpStatus addWeightedMasked(Image<const S> src, Image<const uint8_t> mask, Image
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s, const uint8_t* m) {
         const Vec<float> before = inRegister(load(d, extent));
-        const Vec<float> change = (loadAs<float>(s, extent) - before) * w;
-        store(d, andNot(change, unselected<float>(m, extent)) + before, extent);
+        const Vec<float> change = weighted(loadAs<float>(s, extent), before, w);
+        Vec<float> sum = andNot(change, unselected<float>(m, extent));
+        accumulate(sum, before);
+        store(d, sum, extent);
     };
     accumulateRows<kLanes>(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
     return okpStatusOk;
@@ -286,7 +300,9 @@ okpStatus okpiAddWeighted_32f_C1R(const float* pSrc1, int32_t src1Step, const fl
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* out, const float* a, const float* b) {
         const Vec<float> second = load(b, extent);
-        store(out, (load(a, extent) - second) * w + second, extent);
+        Vec<float> sum = weighted(load(a, extent), second, w);
+        accumulate(sum, second);
+        store(out, sum, extent);
     };
     mapRows<kLanes>(size, kernel, dst, src1, src2);
     return okpStatusOk;

@@ -112,7 +112,7 @@ struct Whole {
 // The first `count` lanes; lanes beyond it load as zero and are not stored.
 struct Part {
     int count;
-    // What is left of it for a vector that begins `lanes` further on.
+    // What is left of it for a vector that begins `lanes` further on, or has come to it for one before.
     constexpr Part from(int lanes) const { return {count - lanes}; }
 };
 // A whole vector whose store bypasses the caches; the address must be a multiple of kVectorBytes.
@@ -471,9 +471,7 @@ OKPCV_INLINE uint32_t laneBits(Vec<T> mask) {
 // The inverse of laneBits: all ones in the lanes whose bit is set.
 template <class T>
 OKPCV_INLINE Vec<T> laneMask(uint32_t bits) {
-    using Lane = std::conditional_t<
-        sizeof(T) == 1, uint8_t,
-        std::conditional_t<sizeof(T) == 2, uint16_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
+    using Lane = UnsignedLane<T>;
     // Every lane gets the bits, or of two bytes of them the one that holds its own, and looks at its own bit.
     constexpr int bitsPerLane = sizeof(T) == 1 ? 8 : Vec<T>::lanes;
     Vec<Lane> all =
@@ -548,9 +546,9 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
     }
 }
 
-// sum += term, in the register of the sum. Left to themselves, compilers add into the register of the term as
-// often, and finish one sum before they begin the next: copies, and additions that wait for each other, where
-// several sums should advance side by side.
+// sum += term, in the register of the sum, whose NaN stays where both are NaN. Left to themselves, compilers add
+// into the register of the term as often, here so and there so, and finish one sum before they begin the next:
+// copies, and additions that wait for each other, where several sums should advance side by side.
 OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
     __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
@@ -559,6 +557,10 @@ OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
 }
 OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
     __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+}
+// product *= factor, where the product's NaN stays likewise.
+OKPCV_INLINE void multiply(Vec<float>& product, Vec<float> factor) {
+    __asm__("mulps %1, %0" : "+x"(product.raw) : "x"(factor.raw));
 }
 
 // a < b ? a : b, so b where the lanes are unordered or equal.
@@ -1086,12 +1088,14 @@ OKPCV_INLINE Channels3<T> interleave3(Vec<T> c0, Vec<T> c1, Vec<T> c2) {
 }
 
 // Lane i becomes the sum of the lanes 0 to i of four lanes: neighbours are added first, then pairs, so that
-// lane 3 of floats is (a3 + a2) + (a1 + a0).
-template <class T>
-OKPCV_INLINE Vec<T> prefixSums(Vec<T> a) {
-    static_assert(Vec<T>::lanes == 4);
-    a = a + shiftLanesUp<1>(a);
-    return a + shiftLanesUp<2>(a);
+// lane 3 is (a0 + a1) + (a2 + a3).
+OKPCV_INLINE Vec<float> prefixSums(Vec<float> a) {
+    static_assert(Vec<float>::lanes == 4);
+    Vec<float> pairs = shiftLanesUp<1>(a);
+    accumulate(pairs, a);
+    Vec<float> sums = shiftLanesUp<2>(pairs);
+    accumulate(sums, pairs);
+    return sums;
 }
 
 // Lane i becomes the sum of the bytes i to i + 3.

@@ -83,9 +83,9 @@ struct ByteMean {
     template <class Extent>
     static OKPCV_INLINE Row row(const uint8_t* p, Extent extent) {
         const Vec<int8_t> ones = broadcast(int8_t{1});
-        Vec<int16_t> inner = mulAddPairs(load(p + 1, oneMore(extent)), ones);
+        Vec<int16_t> inner = mulAddPairs(load(p + 1, extent.from(-1)), ones);
         for (int i = 3; i < length; i += 2) {
-            inner = inner + mulAddPairs(load(p + i, oneMore(extent)), ones);
+            inner = inner + mulAddPairs(load(p + i, extent.from(-1)), ones);
         }
         const Vec<int16_t> first = bitCast<int16_t>(load(p, extent)) & broadcast(int16_t{255});
         const Vec<uint16_t> last = shiftRight(bitCast<uint16_t>(load(p + length - 1, extent)), 8);
@@ -105,9 +105,6 @@ struct ByteMean {
         if constexpr (length == 3) return mulFraction(sum, broadcast(int16_t{3641}));
         return shiftRight(mulHigh(sum + broadcast(int16_t{12}), broadcast(int16_t{5243})), 1);
     }
-    // A pair may end behind the part of a row whose outputs are computed, but not behind what they see.
-    static OKPCV_INLINE Whole oneMore(Whole) { return {}; }
-    static OKPCV_INLINE Part oneMore(Part part) { return {part.count + 1}; }
 };
 
 // Rows and columns (-1 0 1).

@@ -64,7 +64,7 @@ int16_t* takeTable(Area& area, int64_t kernelSize) {
 // when they do not fit 64 bits.
 template <class T, int Channels>
 bool workBytes(int32_t kernelSize, int64_t width, int64_t& bytes) {
-    // All other parts are smaller than as many rows.
+    // Where this product fits 64 bits, so do the sums below.
     int64_t rows = 0;
     if (!multiplyChecked(width, (int64_t{kernelSize} + 64) * 64, rows)) return false;
     const Reach kernel = Reach::centred(kernelSize);
@@ -82,10 +82,9 @@ bool workBytes(int32_t kernelSize, int64_t width, int64_t& bytes) {
 // ---- Filters --------------------------------------------------------------------------------------------
 
 template <class Mid, class T, int Channels, class RowPass, class ColumnPass>
-void run(const SeparableTask<T, Channels, T>& task, Area& area, const Mid* outside, const RowPass& rowPass,
-         const ColumnPass& columnPass) {
-    const auto buffer = layOutSeparable<Channels, T, Mid>(
-        area, task.row, task.column, ringShape<Channels, Mid>(task.row, task.size.width, task.inPlace()));
+void run(const SeparableTask<T, Channels, T>& task, Area& area, const RingShape& shape, const Mid* outside,
+         const RowPass& rowPass, const ColumnPass& columnPass) {
+    const auto buffer = layOutSeparable<Channels, T, Mid>(area, task.row, task.column, shape);
     filterSeparable(task, buffer, outside, rowPass, columnPass);
 }
 
@@ -99,7 +98,8 @@ void filterFloats(const SeparableTask<float, Channels, float>& task, const float
         for (int c = 0; c < Channels; ++c) outside[c] = task.borderValue[c] * sum;
     }
     Area area(pBuffer);
-    run<float>(task, area, outside, FoldedRowPass<Channels>{kernel, task.row.length},
+    const RingShape shape = ringShape<Channels, float>(task.column, task.size.width, task.inPlace());
+    run<float>(task, area, shape, outside, FoldedRowPass<Channels>{kernel, task.row.length},
                FoldedColumnPass{kernel, task.column.length, streamed});
 }
 
@@ -111,6 +111,8 @@ void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits,
     const auto* kernel = reinterpret_cast<const int16_t*>(taps);
     int64_t sum = 0;
     for (int64_t i = 0; i < task.row.length; ++i) sum += taps[i];
+    // The memory is that of the spec's kernel, also where a shorter one has the same results.
+    const RingShape shape = ringShape<Channels, int16_t>(task.column, task.size.width, task.inPlace());
     if (taps[task.row.length / 2] > 32767) {
         // A centre of exactly 1, which signed factors do not reach, has no neighbours of weight.
         task.row = task.column = Reach::centred(3);
@@ -131,16 +133,16 @@ void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits,
     if constexpr (sizeof(T) == 1) {
         if (ThreeTaps::fits(kernel, task.row.length)) {
             const ThreeTaps threeTaps(kernel);
-            run<int16_t>(task, area, outside, ThreeTapRowPass<Channels>{threeTaps},
+            run<int16_t>(task, area, shape, outside, ThreeTapRowPass<Channels>{threeTaps},
                          ThreeTapColumnPass{threeTaps, streamed});
             return;
         }
         const ByteTaps byteTaps(kernel, task.row.length, table);
-        run<int16_t>(task, area, outside, ByteRowPass<Channels>{byteTaps},
+        run<int16_t>(task, area, shape, outside, ByteRowPass<Channels>{byteTaps},
                      ByteColumnPass{byteTaps, streamed});
     } else {
         const WordTaps<T> wordTaps(kernel, task.row.length, bits, table);
-        run<int16_t>(task, area, outside, WordRowPass<T, Channels>{wordTaps},
+        run<int16_t>(task, area, shape, outside, WordRowPass<T, Channels>{wordTaps},
                      WordColumnPass<T>{wordTaps, streamed});
     }
 }

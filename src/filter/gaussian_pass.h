@@ -536,14 +536,7 @@ struct WordRowPass {
     static OKPCV_INLINE void addPair(Vec<int32_t>& first, Vec<int32_t>& second, Vec<int16_t> c, const T* p,
                                      Extent extent) {
         if constexpr (Channels == 1) {
-            const auto oneMore = [](auto e) OKPCV_INLINE_LAMBDA {
-                if constexpr (std::is_same_v<decltype(e), Part>) {
-                    return Part{e.count + 1};
-                } else {
-                    return e;
-                }
-            };
-            accumulate(first, mulAddPairs(WordTaps<T>::elements(p, oneMore(extent)), c));
+            accumulate(first, mulAddPairs(WordTaps<T>::elements(p, extent.from(-1)), c));
             accumulate(second, mulAddPairs(WordTaps<T>::elements(p + 1, extent), c));
         } else {
             const Vec<int16_t> a = WordTaps<T>::elements(p, extent);

@@ -24,14 +24,6 @@ OKPCV_INLINE Vec<int16_t> coefficientAndZero(const int16_t* kernel, int64_t i) {
     return bitCast<int16_t>(broadcast(static_cast<int32_t>(static_cast<uint16_t>(coefficient(kernel, i)))));
 }
 
-// The second taps of a part of a row go one element beyond the part.
-OKPCV_INLINE Whole oneMore(Whole) {
-    return {};
-}
-OKPCV_INLINE Part oneMore(Part part) {
-    return {part.count + 1};
-}
-
 // Adds term i to a sum. To term 0 the sum is added instead, which spares the copy of a constant that several
 // sums begin with.
 template <class T>
@@ -163,7 +155,7 @@ struct IntegerRowPass {
                                      Vec<int16_t> c, const S* p, Extent extent) {
         for (int g = 0; g < N; ++g, p += lanes) {
             if constexpr (Channels == 1) {
-                addTerm(i, first[g], mulAddPairs(loadAs<int16_t>(p, oneMore(extent)), c));
+                addTerm(i, first[g], mulAddPairs(loadAs<int16_t>(p, extent.from(-1)), c));
                 addTerm(i, second[g], mulAddPairs(loadAs<int16_t>(p + 1, extent), c));
             } else {
                 const Vec<int16_t> a = loadAs<int16_t>(p, extent);
@@ -570,7 +562,7 @@ struct PairedRowPass {
         terms.forEach(in, [&](int i, const uint8_t* p, Vec<int8_t> c) OKPCV_INLINE_LAMBDA {
             for (int g = 0; g < N; ++g, p += lanes) {
                 if constexpr (Channels == 1) {
-                    addTerm(i, first[g], mulAddPairs(load(p, oneMore(extent)), c));
+                    addTerm(i, first[g], mulAddPairs(load(p, extent.from(-1)), c));
                     addTerm(i, second[g], mulAddPairs(load(p + 1, extent), c));
                 } else {
                     const Vec<uint8_t> a = load(p, extent);

@@ -1,8 +1,10 @@
 // Separable filters: a row kernel, then a column kernel, given by the caller as 16-bit integers with a common
 // divisor or as floats. Both passes sum in kernel order in single precision, and both multiply by the
 // reciprocal of the divisor.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "core/area.h"
 #include "core/border.h"
@@ -69,8 +71,8 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
 }
 
 // The work buffer of one call, all of it within the promised number of bytes: the parts of the stream engine
-// if it does the work and they fit, of the separable engine otherwise; and, for sources that
-// are converted before they are filtered, a stretch of a row as floats.
+// if it does the work and they fit, of the separable engine otherwise; and, for sources that are converted
+// before they are filtered, a stretch of a row as floats.
 template <class S, int Channels>
 struct WorkBuffer {
     bool streamed = false;
@@ -140,11 +142,12 @@ float filteredBorderValue(S value, const K* kernel, int64_t length, float scale)
     }
 }
 
-// v * 2^-scaleFactor.
+// v * 2^-scaleFactor, finite, so that it takes zeros to zeros; other sums it then takes out of the range of any
+// integer type.
 float scaledDown(float v, int32_t scaleFactor) {
     constexpr int32_t enough = 300;  // shifts any float out of its range
-    const int32_t exponent = scaleFactor < -enough ? enough : scaleFactor > enough ? -enough : -scaleFactor;
-    return std::ldexp(v, exponent);
+    constexpr float largest = std::numeric_limits<float>::max();
+    return std::clamp(std::ldexp(v, -std::clamp(scaleFactor, -enough, enough)), -largest, largest);
 }
 
 // Whether no result can reach 2^31 in magnitude, nor an intermediate value overflow, which column streams to
@@ -228,7 +231,7 @@ struct ExactPlan {
             Range{0, 255}.weighted(static_cast<const int16_t*>(spec.rowKernel), spec.kernelWidth);
         const auto* const columnKernel = static_cast<const int16_t*>(spec.columnKernel);
         const Range sum = row.weighted(columnKernel, spec.kernelHeight);
-        // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is less than this.
+        // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is at most this.
         const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
         if (row.high - row.low > 65535 || largest > int64_t{1} << 24) return;
 

@@ -1,5 +1,6 @@
-// Kernels of derivatives: differences of binomial coefficients.
+// Kernels of derivatives: differences of binomial coefficients. They may lie at any address.
 #include "core/checks.h"
+#include "core/simd.h"
 #include "okpcv/filter.h"
 
 namespace okpcv {
@@ -9,7 +10,8 @@ namespace {
 template <class T>
 void convolve(T* kernel, int64_t size, int64_t taps, int sign) {
     for (int64_t i = size - 1 - taps; i < size - 1; ++i) {
-        kernel[i] = static_cast<T>(kernel[i] + (sign < 0 ? -kernel[i + 1] : kernel[i + 1]));
+        const T here = loadScalar<T>(kernel + i), next = loadScalar<T>(kernel + i + 1);
+        storeScalar(kernel + i, static_cast<T>(here + (sign < 0 ? -next : next)));
     }
 }
 
@@ -20,11 +22,11 @@ okpStatus sobelKernel(T* pKernel, int32_t size, int32_t order, int32_t sign) {
                                      okpStatusBadSize);
     if (checks.failed()) return checks.status();
 
-    for (int32_t i = 0; i < size - 1; ++i) pKernel[i] = 0;
-    pKernel[size - 1] = 1;
+    for (int32_t i = 0; i < size; ++i) storeScalar(pKernel + i, static_cast<T>(i == size - 1));
     for (int32_t taps = 1; taps < size; ++taps) convolve(pKernel, size, taps, taps < size - order ? 1 : -1);
     if (sign < 0) {
-        for (int32_t i = 0; i < size; ++i) pKernel[i] = static_cast<T>(-pKernel[i]);
+        for (int32_t i = 0; i < size; ++i)
+            storeScalar(pKernel + i, static_cast<T>(-loadScalar<T>(pKernel + i)));
     }
     return okpStatusOk;
 }

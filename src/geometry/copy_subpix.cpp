@@ -132,7 +132,7 @@ Image<const S> below(Image<const S> src) {
     return {src.row(1), src.step};
 }
 
-// Blends in single precision, in one order of additions; 16u takes the nearest integer, ties to even.
+// Blends in single precision, in one order of additions, also where NaNs meet; 16u takes the nearest integer, ties to even.
 template <class S, class D>
 okpStatus copyWithFloatWeights(Image<const S> src, Image<D> dst, Size size, float dx, float dy) {
     if (const okpStatus status = checkCopy(src, dst, size); status != okpStatusOk) return status;
@@ -142,9 +142,17 @@ okpStatus copyWithFloatWeights(Image<const S> src, Image<D> dst, Size size, floa
     const auto w01 = broadcast(fx * (1.0F - fy));
     const auto w10 = broadcast((1.0F - fx) * fy);
     const auto w11 = broadcast(fx * fy);
+    const auto neighbours = [](const S* p, Vec<float> left, Vec<float> right, auto extent) {
+        Vec<float> sum = loadAs<float>(p, extent), term = loadAs<float>(p + 1, extent);
+        multiply(sum, left);
+        multiply(term, right);
+        accumulate(sum, term);
+        return sum;
+    };
     const auto blend = [=](const S* upper, const S* lower, auto extent) {
-        return (w00 * loadAs<float>(upper, extent) + w01 * loadAs<float>(upper + 1, extent)) +
-               (w10 * loadAs<float>(lower, extent) + w11 * loadAs<float>(lower + 1, extent));
+        Vec<float> sum = neighbours(upper, w00, w01, extent);
+        accumulate(sum, neighbours(lower, w10, w11, extent));
+        return sum;
     };
     constexpr int lanes = Vec<float>::lanes;
     const auto kernel = [=](auto extent, D* out, const S* upper, const S* lower) {

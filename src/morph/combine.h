@@ -5,7 +5,7 @@
 // term of height h costs (h + 3) / 4 loads, about one maximum per load, and the result one store.
 // combineTall costs 3 loads, 3 maxima and 2 stores at any height. combineRectangle is bound by the number of
 // instructions, 13 per vector of a square of 3: 1.5 loads, 3.5 maxima, 2 moves along the row and one store.
-// combineCross takes 2 loads and one maximum more.
+// combineCross takes a load and a maximum more.
 #pragma once
 
 #include <algorithm>
@@ -109,12 +109,14 @@ OKPCV_INLINE void fillRow(Image<const S> src, Image<D> dst, int64_t y, int64_t w
 
 // A row of the maxima of kRun elements each, kStep apart, which reach into the next vector at most: one load
 // per vector, and maxima with itself, moved, for each doubling of the run. Reads a vector beyond the row.
-template <class P, int kRun, int kStep, class S, class D>
-OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t width) {
+template <class P, int kRun, int kStep, class S, class D, class Beside>
+OKPCV_INLINE void fillRunRow(const S* src, D* dst, int64_t y, int64_t width, Beside& beside) {
     using Cell = typename P::Cell;
     constexpr int kLanes = Vec<Cell>::lanes;
     static_assert((kRun - 1) * kStep <= kLanes);
     coverRow<kLanes, 4>(width, [&](auto vectors, auto extent, int64_t x) OKPCV_INLINE_LAMBDA {
+        for (int v = 0; v < vectors; ++v)
+            beside.template visit<S, 1>(y, x + v * kLanes, extent.from(v * kLanes));
         Vec<Cell> run[vectors + 1];
         for (int v = 0; v <= vectors; ++v) run[v] = load(src + x + v * kLanes);
         const auto widen = [&](auto by) OKPCV_INLINE_LAMBDA {
@@ -261,8 +263,8 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
 }
 
 // dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
-// read, and ignore, a vector beyond each row of src. For a single term or a run along the row, which the terms of
-// no mask but a rectangle are, nothing is done beside.
+// read, and ignore, a vector beyond each row of src. For a single term, which only
+// rectangles have, nothing is done beside.
 template <class P, class S, class D, class Beside>
 void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms,
                  Beside& beside) {
@@ -281,8 +283,10 @@ void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
             const auto fillRuns = [&](auto step) OKPCV_INLINE_LAMBDA {
                 if constexpr ((count - 1) * step <= Vec<S>::lanes) {
                     if (!isRun || apart != step || width < Vec<S>::lanes) return false;
+                    Beside here = beside;
                     for (int64_t y = 0; y < rows; ++y)
-                        detail::fillRunRow<P, count, step>(src.row(y) + first, dst.row(y), width);
+                        detail::fillRunRow<P, count, step>(src.row(y) + first, dst.row(y), y, width, here);
+                    beside = here;
                     return true;
                 }
                 return false;

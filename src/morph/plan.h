@@ -69,8 +69,8 @@ class Plan {
     TermList rowByRow() const { return rowByRow_; }
 
   private:
-    // Planes that may be the mask's own lengths; the others are for steps to the longest runs, which are
-    // 65535 elements.
+    // Planes that may be the mask's own lengths; the others are for steps, of 4 times the run, to the longest
+    // runs, which are 65535 elements.
     static constexpr int kMostOwnPlanes = 7;
 
     static constexpr int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }

@@ -1,5 +1,5 @@
-// The spec of dilation and erosion: the mask as a list of blocks, rectangles of nonzero elements that may
-// overlap and together cover the mask. One layout serves both operations and all types.
+// The spec of dilation and erosion: the mask as a list of blocks, disjoint rectangles of nonzero elements
+// that together are the mask; or one block that slants. One layout serves both operations and all types.
 //
 // A spec is a header followed by its blocks. Both are read and written bytewise, so a spec may lie at any
 // address and may be copied. Blocks take 8 bytes each; a mask row has at most one run for every two columns,
@@ -21,7 +21,8 @@ struct SpecHeader {
     int32_t maskWidth, maskHeight;
     int32_t anchorX, anchorY;           // columns left of the centre, rows above it
     int32_t rightExtent, bottomExtent;  // columns right of the centre, rows below it
-    int32_t roiWidth, roiWidthAligned;  // the width that the buffer was sized for, and its multiple of 16
+    int32_t roiWidth,
+        roiWidthAligned;  // the width that the buffer was sized for; its multiple of 16, a record
     Shape shape;
     int32_t blockCount;
     int32_t slope;  // columns by which each row of the only block stands right of the row above

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "okpcv.h"
@@ -45,6 +46,13 @@ TEST(GenSobelKernel, GivesBinomialDerivatives) {
         c = c * (20 - i) / (i + 1);
     }
     EXPECT_EQ(sobel<int16_t>(21, 0, 1), binomial);
+}
+
+TEST(GenSobelKernel, FillsKernelsAtAnyAddress) {
+    char bytes[1 + 3 * sizeof(float)];
+    ASSERT_EQ(okpiGenSobelKernel_32f(reinterpret_cast<float*>(bytes + 1), 3, 2, -1), okpStatusOk);
+    const float expected[] = {-1, 2, -1};
+    EXPECT_EQ(std::memcmp(bytes + 1, expected, sizeof expected), 0);
 }
 
 TEST(GenSobelKernel, ChecksArgumentsInOrder) {

@@ -323,6 +323,9 @@ TYPED_TEST(Gaussian, EqualsItsDefinitionAcrossStripsOfWideRegions) {
     Random random(3);
     expectDefinition<TypeParam>(random, 31, 4.0F, 9001 / TypeParam::channels, 3, BorderMirror);
     expectDefinition<TypeParam>(random, 3, 0.8F, 70001 / TypeParam::channels, 2, BorderConstant);
+    // The centre alone counts, in the memory of the whole kernel.
+    for (const int size : {7, 9})
+        expectDefinition<TypeParam>(random, size, 0.2F, 26111 / TypeParam::channels, 10, BorderMirror);
 }
 
 // Sums of coefficients of 8192, and of up to 65536 of the longest kernels whose rounded coefficients are not

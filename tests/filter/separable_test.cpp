@@ -526,6 +526,28 @@ TEST(SeparableFilterValues, DividesInBothPassesAndTruncates) {
     EXPECT_EQ(filtered8u({1, 2, 1}, 1, 200), std::vector<uint8_t>(16, 255));
 }
 
+// Sums of zero stay so, and others saturate, however far results are scaled up.
+TEST(SeparableFilterValues, ScalesUpWithoutBounds) {
+    const int16_t kernel[] = {1, 2, 1};
+    const std::vector<int16_t> src{0, 0, 0, 0, 0, -5, 0, 0, 0, 0, 5, 0};
+    for (const int32_t scaleFactor : {-20, -127, -128, -149, INT32_MIN}) {
+        for (const int32_t divisor : {1, 3, -3}) {
+            Kernels<int16_t> kernels{{1, 2, 1}, {1, 2, 1}, divisor};
+            Areas<int16_t> areas(kernels, 12, 1, int16_t{});
+            ASSERT_EQ(okpiFilterSeparableInit_16s(kernel, kernel, {3, 3}, divisor, scaleFactor, DataType16s,
+                                                  1, areas.spec.data()),
+                      okpStatusOk);
+            std::vector<int16_t> dst(12);
+            ASSERT_EQ(okpiFilterSeparable_16s_C1R(src.data(), 24, dst.data(), 24, {12, 1}, BorderReplicate, 0,
+                                                  areas.spec.data(), areas.buffer.data()),
+                      okpStatusOk);
+            EXPECT_EQ(dst,
+                      (std::vector<int16_t>{0, 0, 0, 0, -32768, -32768, -32768, 0, 0, 32767, 32767, 32767}))
+                << scaleFactor << ' ' << divisor;
+        }
+    }
+}
+
 TEST(SeparableFilterValues, HandlesSpecialFloats) {
     using F = Family<float, float, 1, okpiFilterSeparable_32f_C1R, okpiFilterSeparable_32f_C1R_L>;
     Random random(7);

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "support/compare.h"
+#include "support/first_nan.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
 #include "support/status_order.h"
@@ -49,7 +50,7 @@ void expectCopies(Call call, Blend blend) {
             const auto at = random.chance(0.5) ? GuardedMemory::At::End : GuardedMemory::At::Start;
             GuardedImage<S> src(width, height, {.padding = 4, .at = at, .right = 1, .bottom = 1});
             GuardedImage<D> dst(width, height, {.padding = 4, .at = at});
-            src.fill([&](int, int, int) { return random.value<S>(); });
+            src.fill([&](int, int, int) { return random.special<S>(); });
             std::vector<D> expected;
             for (int y = 0; y < height; ++y) {
                 for (int x = 0; x < width; ++x) {
@@ -109,7 +110,7 @@ float floatBlend(float a, float b, float c, float d, float dx, float dy) {
     const float w01 = fx * (1.0F - fy);
     const float w10 = (1.0F - fx) * fy;
     const float w11 = fx * fy;
-    return (w00 * a + w01 * b) + (w10 * c + w11 * d);
+    return sum(sum(product(a, w00), product(b, w01)), sum(product(c, w10), product(d, w11)));
 }
 
 TEST(CopySubpix, FloatWeights) {

@@ -203,9 +203,13 @@ TEST(DilateErode, OneNanAmongNumbers) {
     const Mask farLeft(31, 3, [](int i, int j) { return i < 3 && (i == 1 || j == 1); });
     const Mask corner(3, 3, [](int i, int j) { return i == 2 || j == 2; });
     const Mask slanted(4, 4, [](int i, int j) { return i + j == 3 && j < 3; });
+    // Two pixels as far apart as neighbours of images of several channels.
+    const Mask apart3(4, 1, [](int i, int) { return i % 3 == 0; });
+    const Mask apart4(7, 3, [](int i, int j) { return j == 1 && (i == 1 || i == 5); });
     const uint32_t inside = 0, columnsInMemory = BorderInMemLeft | BorderInMemRight,
                    inMemory = BorderInMemory;
-    for (const Mask& mask : {cross(3), cross(5), cross(7), corner, scattered, farLeft, slanted}) {
+    for (const Mask& mask :
+         {cross(3), cross(5), cross(7), corner, scattered, farLeft, slanted, apart3, apart4}) {
         for (const uint32_t sides : {inside, columnsInMemory, inMemory}) {
             // From the first vector of a cross and from the first column on, whole pairs of vectors.
             const RoiSize roi{sides == inside ? 451 : sides == columnsInMemory ? 452 : 456, 16};
