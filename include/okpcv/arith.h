@@ -129,11 +129,11 @@ OKPCV_API okpStatus okpiAbsDiffC_32f_C1R(const float* pSrc, int32_t srcStep, flo
  *
  * All arithmetic is IEEE single precision, rounded to nearest, one rounding per operation and never fused;
  * integer sources are converted exactly. In the formulas @f$ d @f$ is the accumulator before and @f$ d' @f$
- * after the call.
+ * after the call. Where two NaNs meet, the first one of the formula stays.
  *
  * The masked forms rewrite every accumulator pixel: they zero the term of an unselected pixel and add it. So
- * an unselected accumulator of -0 becomes +0, and any other value stays, except where a formula below says
- * otherwise.
+ * an unselected accumulator of -0 becomes +0, a signalling NaN a quiet one, and any other value stays, except
+ * where a formula below says otherwise.
  *
  * Some masked forms stream the accumulator past the caches when the call's data does not fit the largest one
  * (see okpGetMaxCacheSizeB()); the values stored are the same.

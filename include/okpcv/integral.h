@@ -23,9 +23,9 @@
  * Every element is the one above it plus the running sum @f$ r @f$ of its row:
  * @f$ I(x + 1, y + 1) = I(x + 1, y) + r @f$, one addition in the type of the destination.
  * - 32s: modulo @f$ 2^{32} @f$, sums and squares alike; rectangle sums below @f$ 2^{31} @f$ are right even
- * where elements have wrapped.
+ *   where elements have wrapped.
  * - 32f of 8-bit pixels: the running sum is in single precision, one pixel added after another. Everything is
- *   exact while the sums stay below @f$ 2^{24} @f$ and the offset is an integer.
+ *   exact while the sums and the offset, which is an integer, stay below @f$ 2^{24} @f$ together.
  * - 64f: squares and running sums are in double precision, exact up to @f$ 2^{53} @f$.
  *
  * The offsets are used unchanged, also when they are not finite.
@@ -64,10 +64,10 @@ OKPCV_API okpStatus okpiIntegral_8u32f_C1R(const uint8_t* pSrc, int32_t srcStep,
  * @brief Integral image of floats.
  *
  * The offset is 0. Additions are in single precision, in one order for every size and alignment: pixels are
- * taken in groups of four from the left, a group's sums @f$ s_0 = a_0, s_1 = a_1 + a_0, s_2 = (a_2 + a_1) +
- * a_0, s_3 = (a_3 + a_2) + (a_1 + a_0) @f$ are formed, and the running sum is @f$ r_k = c + s_k @f$ with the
+ * taken in groups of four from the left, a group's sums @f$ s_0 = a_0, s_1 = a_0 + a_1, s_2 = a_0 + (a_1 +
+ * a_2), s_3 = (a_0 + a_1) + (a_2 + a_3) @f$ are formed, and the running sum is @f$ r_k = c + s_k @f$ with the
  * running sum @f$ c @f$ through the group before. The error of a running sum grows with the number of groups
- * before it.
+ * before it. Where two NaNs meet, the first one of these sums stays.
  *
  * @param[in]  pSrc    Source.
  * @param[in]  srcStep Step of the source in bytes.
@@ -88,7 +88,7 @@ OKPCV_API okpStatus okpiIntegral_32f_C1R(const float* pSrc, int32_t srcStep, flo
  * @brief Integral and squared integral image of 8-bit pixels in 32-bit integers.
  *
  * When the first rows of the two destinations overlap, every place receives what is left when sum and square
- * are written place after place, the sum first.
+ * are written place after place, the sum first. They must not overlap in other ways.
  *
  * @param[in]  pSrc    Source.
  * @param[in]  srcStep Step of the source in bytes.
@@ -164,7 +164,7 @@ OKPCV_API okpStatus okpiSqrIntegral_8u32f64f_C1R(const uint8_t* pSrc, int32_t sr
  * @param[in]  srcStep Step of the integral image in bytes.
  * @param[in]  pSqr    Squared integral image.
  * @param[in]  sqrStep Step of the squared integral image in bytes.
- * @param[out] pDst    Destination.
+ * @param[out] pDst    Destination; must not overlap the integral images.
  * @param[in]  dstStep Step of the destination in bytes.
  * @param[in]  roiSize Size of the destination in pixels.
  * @param[in]  rect    The window, relative to the pixel.

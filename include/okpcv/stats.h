@@ -798,9 +798,9 @@ OKPCV_API okpStatus okpiNormRel_L2_32f_C3CMR(const float* pSrc1, int32_t src1Ste
  * @brief Mean and population standard deviation of an image or of one of its channels.
  *
  * The statistics run over all pixels, or over those that a mask selects; what an unselected pixel holds, NaN
- * included, has no influence. Sums are formed in 64-bit floats. Those of integer images are exact for any
- * region until they are converted to a 64-bit float; those of float images are formed of eight partial sums,
- * in one order that depends on the size of the region alone.
+ * included, has no influence. The sums of integer images are exact for any region until they are
+ * converted to a 64-bit float; those of float images are formed in 64-bit floats, of eight partial sums, in
+ * one order that depends on the size of the region alone.
  * @{
  */
 

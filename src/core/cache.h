@@ -19,8 +19,8 @@ struct CacheSize {
 // does.
 inline CacheSize queryCacheSize() {
     int32_t bytes = 0;
-    const okpStatus status = okpGetMaxCacheSizeB(&bytes);
-    return {status == okpStatusOk, bytes};
+    const bool known = okpGetMaxCacheSizeB(&bytes) == okpStatusOk;
+    return {known, known ? bytes : 0};
 }
 
 // Masked accumulators: streamed unless the caches hold more than `bytesPerPixel` times the region, a product

@@ -96,7 +96,7 @@ struct MaskedPixels {
         OKPCV_INLINE SomeLanes<T> lanes(int64_t x, Extent extent) const {
             return {unselected<T>(mask + x, extent)};
         }
-        // Whether none of the pixels from x on takes part. Of fewer pixels than a mask's vector has, not found.
+        // Whether none of the pixels from x on takes part. Not looked for in fewer than a vector of mask bytes.
         template <int kPixels>
         OKPCV_INLINE bool isEmpty(int64_t x) const {
             constexpr int kLanes = Vec<uint8_t>::lanes;

@@ -1,4 +1,4 @@
-// Vectors: the only file that knows intrinsics and the register width. Kernels see Vec<T>, its lane count and
+// Vectors: the only file that knows vector intrinsics and the register width. Kernels see Vec<T>, its lane count and
 // operations on whole vectors; another register width is another implementation of this file.
 //
 // Where an operation's name is that of a scalar one, each lane is exactly the scalar result: integer sums

@@ -51,8 +51,8 @@ Vec<int16_t> weightPairs(int32_t first, int32_t second) {
     return interleaveLow(broadcast(static_cast<int16_t>(first)), broadcast(static_cast<int16_t>(second)));
 }
 
-// The weighted sums of a vector of bytes, in units of 1 / 16384. A weight of 16384 and more would not exceed
-// 16 bits either, and the four weights add up to 16384, so no sum exceeds 2^22.
+// The weighted sums of a vector of bytes, in units of 1 / 16384. The four weights add up to 16384, so no sum
+// exceeds 2^22.
 class FixedBlend {
   public:
     struct Sums {

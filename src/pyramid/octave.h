@@ -139,8 +139,8 @@ OKPCV_INLINE Vec<T> loadPixels(const T* p, int64_t stride) {
 template <class D>
 OKPCV_INLINE void storePixels(D* out, Vec<D> pixels, int64_t count) {
     constexpr int lanes = Vec<D>::lanes;
-    constexpr int elements = 3 * kPixelsOf4<D>;
-    if constexpr (kPixelsOf4 < D >> 1) pixels = dropFourthLanes(pixels);
+    constexpr int pixelsOf4 = kPixelsOf4<D>, elements = 3 * pixelsOf4;
+    if constexpr (pixelsOf4 > 1) pixels = dropFourthLanes(pixels);
     if (3 * count >= lanes) {
         store(out, pixels);
     } else {

@@ -1,6 +1,6 @@
 // Mean and standard deviation over the selected pixels.
 //
-// Integer images are bound by memory: 2 to 7 bytes per pixel against 7 to 15 vector operations per 16 bytes
+// Integer images are bound by memory: 1 to 7 bytes per pixel against 7 to 15 vector operations per 16 bytes
 // of source. Float images are bound by double precision: two conversions and four additions per four pixels
 // share two pipes, so three cycles at best, which memory can outrun.
 //

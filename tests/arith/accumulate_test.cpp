@@ -289,7 +289,7 @@ TEST(CacheDecision, ComparesWithTheWrappedProduct) {
     EXPECT_FALSE(streamsAccumulator(5, {640, 480}));
     cacheStandIn.bytes = 1;
     EXPECT_FALSE(streamsAccumulator(13, {INT32_MAX, INT32_MAX - 1}));  // wraps to -26
-    cacheStandIn.status = okpStatusBadArgument;
+    cacheStandIn = {.status = okpStatusBadArgument, .bytes = INT32_MAX};
     EXPECT_TRUE(streamsAccumulator(5, {1, 1}));
 
     cacheStandIn = {.bytes = 524288};
@@ -298,7 +298,7 @@ TEST(CacheDecision, ComparesWithTheWrappedProduct) {
     EXPECT_TRUE(streamsFilter(524288));
     EXPECT_FALSE(streamsOutput(524287, 1));
     EXPECT_TRUE(streamsOutput(524288, 1));
-    cacheStandIn.status = okpStatusBadArgument;
+    cacheStandIn = {.status = okpStatusBadArgument, .bytes = INT32_MAX};
     EXPECT_TRUE(streamsFilter(524288));
     EXPECT_FALSE(streamsOutput(524288, 1));
     cacheStandIn = {};

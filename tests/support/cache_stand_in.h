@@ -10,7 +10,7 @@ namespace okpcv::test {
 
 struct CacheStandIn {
     okpStatus status = okpStatusOk;
-    int32_t bytes = 32 << 20;  // written only when the status is okpStatusOk
+    int32_t bytes = 32 << 20;  // written also when the query fails, and then means nothing
     int queries = 0;
 };
 
