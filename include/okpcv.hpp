@@ -701,9 +701,8 @@ requires detail::Exported<detail::kAdd<std::remove_const_t<T>>> Status add(Image
  * @return The C function's status.
  */
 template <class T>
-requires detail::Exported<detail::kAdd<std::remove_const_t<T>>> Status add(ImageView<T> src,
-                                                                           ImageView<const uint8_t> mask,
-                                                                           ImageView<float> sum) {
+requires detail::Exported<detail::kAddMasked<std::remove_const_t<T>>> Status
+add(ImageView<T> src, ImageView<const uint8_t> mask, ImageView<float> sum) {
     if (!detail::same(src.size(), sum.size()) || !detail::same(mask.size(), sum.size()))
         return okpStatusBadSize;
     return detail::kAddMasked<std::remove_const_t<T>>(src.data(), src.step(), mask.data(), mask.step(),
@@ -725,6 +724,22 @@ requires detail::Exported<detail::kAddSquare<std::remove_const_t<T>>> Status add
 }
 
 /**
+ * @brief Adds the squares of the pixels that a mask selects to an accumulator.
+ * @param src  Source.
+ * @param mask Mask.
+ * @param sum  Accumulator.
+ * @return The C function's status.
+ */
+template <class T>
+requires detail::Exported<detail::kAddSquareMasked<std::remove_const_t<T>>> Status
+addSquare(ImageView<T> src, ImageView<const uint8_t> mask, ImageView<float> sum) {
+    if (!detail::same(src.size(), sum.size()) || !detail::same(mask.size(), sum.size()))
+        return okpStatusBadSize;
+    return detail::kAddSquareMasked<std::remove_const_t<T>>(src.data(), src.step(), mask.data(), mask.step(),
+                                                            sum.data(), sum.step(), sum.size());
+}
+
+/**
  * @brief Adds the products of two images to an accumulator.
  * @param a   One image.
  * @param b   The other.
@@ -740,6 +755,24 @@ addProduct(ImageView<T> a, Source<std::remove_const_t<T>> b, ImageView<float> su
 }
 
 /**
+ * @brief Adds the products of the pixels that a mask selects to an accumulator.
+ * @param a    One image.
+ * @param b    The other.
+ * @param mask Mask.
+ * @param sum  Accumulator.
+ * @return The C function's status.
+ */
+template <class T>
+requires detail::Exported<detail::kAddProductMasked<std::remove_const_t<T>>> Status addProduct(
+    ImageView<T> a, Source<std::remove_const_t<T>> b, ImageView<const uint8_t> mask, ImageView<float> sum) {
+    if (!detail::same(a.size(), sum.size()) || !detail::same(b.size(), sum.size()) ||
+        !detail::same(mask.size(), sum.size()))
+        return okpStatusBadSize;
+    return detail::kAddProductMasked<std::remove_const_t<T>>(
+        a.data(), a.step(), b.data(), b.step(), mask.data(), mask.step(), sum.data(), sum.step(), sum.size());
+}
+
+/**
  * @brief Moves an accumulator towards an image: a running average.
  * @param src   Source.
  * @param sum   Accumulator.
@@ -752,6 +785,23 @@ addWeighted(ImageView<T> src, ImageView<float> sum, float alpha) {
     if (!detail::same(src.size(), sum.size())) return okpStatusBadSize;
     return detail::kAddWeighted<std::remove_const_t<T>>(src.data(), src.step(), sum.data(), sum.step(),
                                                         sum.size(), alpha);
+}
+
+/**
+ * @brief Moves an accumulator towards the pixels that a mask selects.
+ * @param src   Source.
+ * @param mask  Mask.
+ * @param sum   Accumulator.
+ * @param alpha Weight of the source.
+ * @return The C function's status.
+ */
+template <class T>
+requires detail::Exported<detail::kAddWeightedMasked<std::remove_const_t<T>>> Status
+addWeighted(ImageView<T> src, ImageView<const uint8_t> mask, ImageView<float> sum, float alpha) {
+    if (!detail::same(src.size(), sum.size()) || !detail::same(mask.size(), sum.size()))
+        return okpStatusBadSize;
+    return detail::kAddWeightedMasked<std::remove_const_t<T>>(
+        src.data(), src.step(), mask.data(), mask.step(), sum.data(), sum.step(), sum.size(), alpha);
 }
 
 /** @}

@@ -103,6 +103,7 @@ TEST(Face, ArithmeticIsThatOfTheCInterface) {
 
     const auto wide = randomPixels<uint16_t>(3), other = randomPixels<uint16_t>(4);
     const auto mask = randomPixels<uint8_t>(5);
+    const auto floats = randomPixels<float>(6);
     std::vector<float> sum(kPixels), expected(kPixels);
     const ImageView<const uint16_t> src(wide, kSize), second(other, kSize);
     const ImageView<const uint8_t> selected(mask, kSize);
@@ -112,11 +113,20 @@ TEST(Face, ArithmeticIsThatOfTheCInterface) {
     addSquare(src, acc).orThrow();
     addProduct(src, second, acc).orThrow();
     addWeighted(src, acc, 0.25F).orThrow();
+    addSquare(src, selected, acc).orThrow();
+    addProduct(src, second, selected, acc).orThrow();
+    addWeighted(src, selected, acc, 0.25F).orThrow();
+    add(ImageView<const float>(floats, kSize), selected, acc).orThrow();
     okpiAdd_16u32f_C1IR(wide.data(), 74, expected.data(), 148, kSize);
     okpiAdd_16u32f_C1IMR(wide.data(), 74, mask.data(), 37, expected.data(), 148, kSize);
     okpiAddSquare_16u32f_C1IR(wide.data(), 74, expected.data(), 148, kSize);
     okpiAddProduct_16u32f_C1IR(wide.data(), 74, other.data(), 74, expected.data(), 148, kSize);
     okpiAddWeighted_16u32f_C1IR(wide.data(), 74, expected.data(), 148, kSize, 0.25F);
+    okpiAddSquare_16u32f_C1IMR(wide.data(), 74, mask.data(), 37, expected.data(), 148, kSize);
+    okpiAddProduct_16u32f_C1IMR(wide.data(), 74, other.data(), 74, mask.data(), 37, expected.data(), 148,
+                                kSize);
+    okpiAddWeighted_16u32f_C1IMR(wide.data(), 74, mask.data(), 37, expected.data(), 148, kSize, 0.25F);
+    okpiAdd_32f_C1IMR(floats.data(), 148, mask.data(), 37, expected.data(), 148, kSize);
     EXPECT_EQ(sum, expected);
 }
 
