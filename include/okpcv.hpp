@@ -1212,6 +1212,11 @@ class Morphology {
      */
     static Result<Morphology> rectangle(RoiSize maxSize, RoiSize maskSize) {
         if (maskSize.width < 1 || maskSize.height < 1) return Status(okpStatusBadSize);
+        // What is refused is refused before anything of its size is allocated.
+        int32_t specBytes = 0, bufferBytes = 0;
+        const Status status =
+            detail::kMorphologySize<T, Channels>(maxSize, maskSize, &specBytes, &bufferBytes);
+        if (!status) return status;
         const size_t elements = static_cast<size_t>(maskSize.width) * static_cast<size_t>(maskSize.height);
         const auto mask = std::make_unique<uint8_t[]>(elements);
         std::fill_n(mask.get(), elements, uint8_t{1});

@@ -272,6 +272,7 @@ TEST(Morphology, DilatesAndErodesAsTheCInterface) {
 
     EXPECT_EQ(Morphology<uint8_t>::create(kSize, cross, {3, 4}).status(), okpStatusBadSize);
     EXPECT_EQ(Morphology<uint8_t>::rectangle(kSize, {3, -1}).status(), okpStatusBadSize);
+    EXPECT_EQ(Morphology<uint8_t>::rectangle(kSize, {INT32_MAX, INT32_MAX}).status(), okpStatusSizeTooLarge);
 }
 
 TEST(Canny, FindsTheEdgesOfASquare) {
