@@ -169,9 +169,10 @@ OKPCV_API okpStatus okpiFilterSeparableInit_32f_L(const float* pRowKernel, const
  * @param[in]  dstStep      Step of the destination in bytes.
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  borderType   #BorderReplicate, #BorderMirror or #BorderConstant with any side flags, or
- *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left, to the right
- *                          @f$ k_w - 1 - a_x @f$, @f$ a_y @f$ rows above and @f$ k_h - 1 - a_y @f$ below are read. Where a region is
- * too small to be mirrored once, it is mirrored repeatedly.
+ *                          #BorderInMemory. On a side in memory, @f$ a_x @f$ columns to the left,
+ *                          @f$ k_w - 1 - a_x @f$ to the right, @f$ a_y @f$ rows above and
+ *                          @f$ k_h - 1 - a_y @f$ below are read. Where a region is too small to be mirrored
+ *                          once, it is mirrored repeatedly.
  * @param[in]  borderValue  Value of #BorderConstant, in the source's type (for images of several channels a
  *                          pointer to one value per channel); ignored for other kinds.
  * @param[in]  pSpec        Spec that an initialiser has filled for this type of source.

@@ -168,11 +168,16 @@ okpStatus addProductMasked(Image<const S> src1, Image<const S> src2, Image<const
     return okpStatusOk;
 }
 
-// (a - b) * w, the change that AddWeighted adds to b.
-OKPCV_INLINE Vec<float> weighted(Vec<float> a, Vec<float> b, Vec<float> w) {
-    Vec<float> change = a - b;
-    multiply(change, w);
-    return change;
+// (a - b) * w, the change that AddWeighted adds to b, and the sum.
+OKPCV_INLINE Vec<float> change(Vec<float> a, Vec<float> b, Vec<float> w) {
+    Vec<float> product = a - b;
+    multiply(product, w);
+    return product;
+}
+OKPCV_INLINE Vec<float> changed(Vec<float> a, Vec<float> b, Vec<float> w) {
+    Vec<float> sum = change(a, b, w);
+    accumulate(sum, b);
+    return sum;
 }
 
 // AddWeighted in place.
@@ -185,9 +190,7 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s) {
         const Vec<float> before = inRegister(load(d, extent));
-        Vec<float> sum = weighted(loadAs<float>(s, extent), before, w);
-        accumulate(sum, before);
-        store(d, sum, extent);
+        store(d, changed(loadAs<float>(s, extent), before, w), extent);
     };
     mapRows<kLanes, kFetchBeside<S>>(size, kernel, dst, src);
     return okpStatusOk;
@@ -207,8 +210,8 @@ okpStatus addWeightedMasked(Image<const S> src, Image<const uint8_t> mask, Image
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s, const uint8_t* m) {
         const Vec<float> before = inRegister(load(d, extent));
-        const Vec<float> change = weighted(loadAs<float>(s, extent), before, w);
-        Vec<float> sum = andNot(change, unselected<float>(m, extent));
+        Vec<float> sum = change(loadAs<float>(s, extent), before, w);
+        sum = andNot(sum, unselected<float>(m, extent));
         accumulate(sum, before);
         store(d, sum, extent);
     };
@@ -300,9 +303,7 @@ okpStatus okpiAddWeighted_32f_C1R(const float* pSrc1, int32_t src1Step, const fl
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* out, const float* a, const float* b) {
         const Vec<float> second = load(b, extent);
-        Vec<float> sum = weighted(load(a, extent), second, w);
-        accumulate(sum, second);
-        store(out, sum, extent);
+        store(out, changed(load(a, extent), second, w), extent);
     };
     mapRows<kLanes>(size, kernel, dst, src1, src2);
     return okpStatusOk;

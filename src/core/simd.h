@@ -1,5 +1,5 @@
-// Vectors: the only file that knows vector intrinsics and the register width. Kernels see Vec<T>, its lane count and
-// operations on whole vectors; another register width is another implementation of this file.
+// Vectors: the only file that knows vector intrinsics and the register width. Kernels see Vec<T>, its lane
+// count and operations on whole vectors; another register width is another implementation of this file.
 //
 // Where an operation's name is that of a scalar one, each lane is exactly the scalar result: integer sums
 // wrap, float operations round to nearest, comparisons are ordered (false with NaN) and give all ones or all

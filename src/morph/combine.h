@@ -263,8 +263,8 @@ void combineColumns(Image<const S> src, Image<D> dst, int64_t width, int64_t row
 }
 
 // dst(x, y) = the maximum over the terms of their elements of src, for `width` elements of `rows` rows. May
-// read, and ignore, a vector beyond each row of src. For a single term, which only
-// rectangles have, nothing is done beside.
+// read, and ignore, a vector beyond each row of src. For a single term, which only rectangles have,
+// nothing is done beside.
 template <class P, class S, class D, class Beside>
 void combineRows(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, TermList terms,
                  Beside& beside) {

@@ -139,7 +139,7 @@ class Engine {
     static constexpr int32_t kShortRun = 3;
     static constexpr int64_t kLeastVectors = 32;
     static constexpr int64_t kLeastVectorsLong = 64;
-    // Up to so many rows of a slanted line are taken one by one; higher lines want planes, whose rows are close.
+    // Of slanted lines, so few rows are taken one by one, and higher ones want planes, whose rows are close.
     static constexpr int kFewSlanted = 3;
     static constexpr int32_t kLowSlanted = 8;
     // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each visit
