@@ -15,7 +15,9 @@ inline constexpr BorderKind kBorderKindBits = 15;
 // memory.
 constexpr bool isFilterBorder(BorderKind border) {
     if (border > 255) return false;
-    return border == BorderInMemory || (border & kBorderKindBits) == BorderConstant || (border & 13U) == 1;
+    const BorderKind kind = border & kBorderKindBits;
+    return border == BorderInMemory || kind == BorderReplicate || kind == BorderMirror ||
+           kind == BorderConstant;
 }
 
 // The kinds that morphology accepts: replicate, mirror, default and constant with any side flags, the flags
@@ -26,6 +28,7 @@ constexpr bool isMorphologyBorder(BorderKind border) {
     return border == BorderInMemory || kind == BorderReplicate || kind == BorderMirror ||
            kind == BorderDefault || kind == BorderConstant;
 }
+
 // An accepted kind with the flags in bits 8 to 11 moved to their place in bits 4 to 7.
 constexpr BorderKind foldBorderFlags(BorderKind border) {
     return (border & 255U) | (border >> 4 & BorderInMemory);
