@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/area.h"
 #include "core/numbers.h"
 
 namespace okpcv {
@@ -13,6 +14,11 @@ constexpr int64_t kTapsAlignment = 16;
 constexpr int32_t kHalfKernelOffset = 64;
 static_assert(sizeof(FullKernelRecord) == kTapsOffset && sizeof(HalfKernelRecord) <= kHalfKernelOffset);
 
+constexpr int64_t tapBytes(DataTypeCode dataType) {
+    return dataType == DataType32f ? sizeof(float) : sizeof(int16_t);
+}
+
+// Where the parts of a spec are.
 struct HalfParts {
     char* record;
     float* kernel;
@@ -21,6 +27,18 @@ HalfParts layOutHalf(Area& area, int32_t kernelSize) {
     HalfParts parts;
     parts.record = area.take<char>(kHalfKernelOffset, kHalfKernelOffset);
     parts.kernel = area.take<float>(kernelSize / 2 + 1, kHalfKernelOffset);
+    return parts;
+}
+struct SpecParts {
+    char* fullRecord;
+    char* taps;  // of tapBytes() each
+    HalfParts half;
+};
+SpecParts layOutSpec(Area& area, int32_t kernelSize, DataTypeCode dataType) {
+    SpecParts parts;
+    parts.fullRecord = area.take<char>(kTapsOffset);
+    parts.taps = area.take<char>(kernelSize * tapBytes(dataType), kTapsAlignment);
+    parts.half = layOutHalf(area, kernelSize);
     return parts;
 }
 
@@ -55,19 +73,9 @@ int32_t fractionBitsOf(DataTypeCode dataType) {
 
 }  // namespace
 
-GaussianSpecParts layOutGaussianSpec(Area& area, int32_t kernelSize, DataTypeCode dataType) {
-    GaussianSpecParts parts;
-    parts.fullRecord = area.take<char>(kTapsOffset);
-    parts.taps = area.take<char>(kernelSize * gaussianTapBytes(dataType), kTapsAlignment);
-    const HalfParts half = layOutHalf(area, kernelSize);
-    parts.halfRecord = half.record;
-    parts.halfKernel = half.kernel;
-    return parts;
-}
-
 int64_t gaussianSpecBytes(int32_t kernelSize, DataTypeCode dataType) {
     Area counted;
-    layOutGaussianSpec(counted, kernelSize, dataType);
+    layOutSpec(counted, kernelSize, dataType);
     return counted.bytes();
 }
 
@@ -100,7 +108,7 @@ void fillGaussianSpec(int32_t kernelSize, float sigma, BorderKind border, DataTy
     const float reciprocal = 1.0F / sum;
 
     Area area(pSpec);
-    const GaussianSpecParts parts = layOutGaussianSpec(area, kernelSize, dataType);
+    const SpecParts parts = layOutSpec(area, kernelSize, dataType);
     const int32_t bits = fractionBitsOf(dataType);
     const FullKernelRecord full{kernelSize, kTapsOffset, dataType, border, bits};
     std::memcpy(parts.fullRecord, &full, sizeof full);
@@ -120,9 +128,9 @@ void fillGaussianSpec(int32_t kernelSize, float sigma, BorderKind border, DataTy
     }
 
     const HalfKernelRecord halfRecord{kernelSize, kHalfKernelOffset, dataType, 0};
-    std::memcpy(parts.halfRecord, &halfRecord, sizeof halfRecord);
-    for (int32_t i = 0; i < half; ++i) parts.halfKernel[i] = weights[half - i] * halfReciprocal;
-    parts.halfKernel[half] = halfReciprocal;
+    std::memcpy(parts.half.record, &halfRecord, sizeof halfRecord);
+    for (int32_t i = 0; i < half; ++i) parts.half.kernel[i] = weights[half - i] * halfReciprocal;
+    parts.half.kernel[half] = halfReciprocal;
 }
 
 FullKernelRecord readGaussianRecord(const void* pSpec) {
@@ -132,8 +140,9 @@ FullKernelRecord readGaussianRecord(const void* pSpec) {
 }
 
 const void* gaussianTaps(const void* pSpec) {
-    const auto address = reinterpret_cast<uintptr_t>(pSpec) + kTapsOffset;
-    return reinterpret_cast<const void*>((address + kTapsAlignment - 1) & ~uintptr_t{kTapsAlignment - 1});
+    // They begin at the same place whatever their number and type.
+    Area area(const_cast<void*>(pSpec));
+    return layOutSpec(area, 0, DataType8u).taps;
 }
 
 }  // namespace okpcv

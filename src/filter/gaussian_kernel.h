@@ -9,7 +9,6 @@
 
 #include <cstdint>
 
-#include "core/area.h"
 #include "okpcv/types.h"
 
 namespace okpcv {
@@ -28,15 +27,6 @@ struct HalfKernelRecord {
     int32_t reserved;
 };
 
-// Where the parts of a spec are.
-struct GaussianSpecParts {
-    char* fullRecord;
-    char* taps;  // of tapBytes() each
-    char* halfRecord;
-    float* halfKernel;
-};
-GaussianSpecParts layOutGaussianSpec(Area& area, int32_t kernelSize, DataTypeCode dataType);
-
 // Bytes of a spec, and of its half-kernel record alone; both are enough at any address.
 int64_t gaussianSpecBytes(int32_t kernelSize, DataTypeCode dataType);
 int64_t gaussianHalfRecordBytes(int32_t kernelSize);
@@ -50,9 +40,5 @@ void fillGaussianSpec(int32_t kernelSize, float sigma, BorderKind border, DataTy
 // Reads a spec that may be anything: the record, and the taps if the record says so.
 FullKernelRecord readGaussianRecord(const void* pSpec);
 const void* gaussianTaps(const void* pSpec);
-
-constexpr int64_t gaussianTapBytes(DataTypeCode dataType) {
-    return dataType == DataType32f ? sizeof(float) : sizeof(int16_t);
-}
 
 }  // namespace okpcv
