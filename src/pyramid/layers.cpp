@@ -50,6 +50,11 @@ LayerAreas layOutSpec(Area& area, int64_t kernelSize) {
     LayerSpec* const spec = area.take<LayerSpec>(1);
     return {spec, area.take<float>(kernelSize)};
 }
+// Of a filled spec; nothing lies behind the kernel, so its size does not matter.
+LayerAreas filledSpec(const void* pSpec) {
+    Area area(const_cast<void*>(pSpec));
+    return layOutSpec(area, 0);
+}
 
 // The work buffer serves either path, so its size is that of the larger one.
 template <class Layer, class S, int Channels>
@@ -145,8 +150,8 @@ okpStatus layer(Image<const S, Channels> src, Size srcSize, Image<S, Channels> d
         .rowsFit(dstSize, dst)
         .stepsAreMultiples(dst);
     if (checks.failed()) return checks.status();
-    Area specArea(const_cast<void*>(pSpec));
-    const LayerSpec& spec = *layOutSpec(specArea, 0).spec;
+    const LayerAreas areas = filledSpec(pSpec);
+    const LayerSpec& spec = *areas.spec;
     checks.require(srcSize.width <= spec.width && srcSize.height <= spec.height, okpStatusBadSize)
         .require(Layer::fits(srcSize.width, dstSize.width, spec.rate) &&
                      Layer::fits(srcSize.height, dstSize.height, spec.rate),
@@ -164,10 +169,8 @@ okpStatus layer(Image<const S, Channels> src, Size srcSize, Image<S, Channels> d
         }
         return okpStatusOk;
     }
-    Area areas(const_cast<void*>(pSpec));
-    const float* const kernel = layOutSpec(areas, spec.kernelSize).kernel;
-    const LineFilter filter = Layer::phases == 1 ? LineFilter::down(kernel, spec.kernelSize, spec.rate)
-                                                 : LineFilter::up(kernel, spec.kernelSize, spec.rate);
+    const LineFilter filter = Layer::phases == 1 ? LineFilter::down(areas.kernel, spec.kernelSize, spec.rate)
+                                                 : LineFilter::up(areas.kernel, spec.kernelSize, spec.rate);
     resample<S, Channels>(
         src, srcSize, dst, dstSize, filter, LineFilter::reach(spec.kernelSize, Layer::phases),
         layOutResample<S>(buffer, Channels, srcSize.width, dstSize.width, spec.kernelSize, Layer::phases));
