@@ -26,9 +26,6 @@ constexpr DataTypeCode kDataType = kIsFloat<T>                   ? DataType32f
 constexpr bool isKernelSize(int32_t kernelSize) {
     return kernelSize >= 3 && kernelSize % 2 != 0;
 }
-constexpr bool isImageType(DataTypeCode type) {
-    return type == DataType8u || type == DataType16u || type == DataType16s || type == DataType32f;
-}
 constexpr bool isChannelCount(int32_t channels) {
     return channels == 1 || channels == 3;
 }

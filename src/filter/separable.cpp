@@ -50,9 +50,6 @@ constexpr bool isChannelCount(int32_t channels) {
 constexpr bool isKernelType(DataTypeCode type) {
     return type == DataType16s || type == DataType32f;
 }
-constexpr bool isImageType(DataTypeCode type) {
-    return type == DataType8u || type == DataType16u || type == DataType16s || type == DataType32f;
-}
 constexpr int64_t kernelElementBytes(DataTypeCode kernelType) {
     return kernelType == DataType16s ? sizeof(int16_t) : sizeof(float);
 }

@@ -12,6 +12,7 @@
 #include "core/image.h"
 #include "core/numbers.h"
 #include "core/simd.h"
+#include "okpcv/types.h"
 
 namespace okpcv {
 
@@ -24,6 +25,11 @@ struct Reach {
     static constexpr Reach centred(int64_t length) { return {length, (length - 1) / 2}; }
     constexpr int64_t behind() const { return length - 1 - anchor; }
 };
+
+// The types of images for which there are separable filters.
+constexpr bool isImageType(DataTypeCode type) {
+    return type == DataType8u || type == DataType16u || type == DataType16s || type == DataType32f;
+}
 
 // What to filter.
 template <class S, int Channels, class D>
