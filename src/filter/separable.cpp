@@ -72,7 +72,7 @@ bool workBufferBytes(int64_t width, RoiSize kernel, int64_t kernelBytes, int32_t
 // before they are filtered, a stretch of a row as floats.
 template <class S, int Channels>
 struct WorkBuffer {
-    bool streamed = false;
+    bool streamed;
     Windows<S> windows;  // of the stream engine
     float* streamState;
     SeparableBuffer<S, float> engine;
@@ -82,45 +82,58 @@ struct WorkBuffer {
     // `canStream`: the stream engine does this work, if there is memory for it.
     WorkBuffer(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
                bool inPlace, bool canStream) {
-        constexpr bool converts = !kIsFloat<S>;
-        const int64_t reach = (row.length - 1) * Channels;
-        const int64_t leastScratch = converts ? reach + 8 * Channels : 0;
-        const auto takeScratch = [&](Area& area, int64_t rowElements) {
-            if (!converts) return;
-            const int64_t most = reach + rowElements;
-            const int64_t left = (bytes - area.bytes() - kVectorBytes) / int64_t{sizeof(float)};
-            scratchCount = most < left ? most : left;
-            scratch = area.take<float>(scratchCount, kVectorBytes);
-        };
+        streamed = canStream && placeStream(memory, bytes, row, column, width);
+        if (!streamed) placeEngine(memory, bytes, row, column, width, inPlace);
+    }
 
-        if (canStream) {
-            const auto layOut = [&](Area& area) {
-                windows.count = kRowsTogether;
-                windows.first =
-                    area.take<S>(windows.count * windowPixels<float>(row) * Channels, kVectorBytes);
-                streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
-            };
-            Area counted;
-            layOut(counted);
-            counted.take<float>(leastScratch, kVectorBytes);
-            streamed = counted.bytes() <= bytes;
-            if (streamed) {
-                Area placed(memory);
-                layOut(placed);
-                takeScratch(placed, tilePixels<S, Channels>() * Channels);
-                return;
-            }
-        }
+  private:
+    static constexpr bool converts = !kIsFloat<S>;
+    static constexpr int64_t leastStretch = 8;  // pixels
+
+    // The elements that a stretch of so many pixels of the intermediate row sees.
+    static constexpr int64_t scratchElements(const Reach& row, int64_t pixels) {
+        return converts ? (row.length - 1 + pixels) * Channels : 0;
+    }
+
+    // False when there is too little memory.
+    bool placeStream(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width) {
+        const auto layOut = [&](Area& area) {
+            windows.count = kRowsTogether;
+            windows.first = area.take<S>(windows.count * windowPixels<float>(row) * Channels, kVectorBytes);
+            streamState = area.take<float>(streamStateElements<Channels>(column, width), kVectorBytes);
+        };
+        Area counted;
+        layOut(counted);
+        counted.take<float>(scratchElements(row, leastStretch), kVectorBytes);
+        if (counted.bytes() > bytes) return false;
+
+        Area placed(memory);
+        layOut(placed);
+        takeScratch(placed, bytes, scratchElements(row, tilePixels<S, Channels>()));
+        return true;
+    }
+
+    void placeEngine(void* memory, int64_t bytes, const Reach& row, const Reach& column, int64_t width,
+                     bool inPlace) {
         using Shapes = RingShapes<Channels, float>;
         const Shapes shapes(column, width, Shapes::batchFor(column));
         Area fixed;
         layOutSeparable<Channels, S, float>(fixed, row, column, {0, Shapes::batchFor(column), 0});
-        fixed.take<float>(leastScratch, kVectorBytes);
+        fixed.take<float>(scratchElements(row, leastStretch), kVectorBytes);
         const int64_t elements = (bytes - fixed.bytes()) / int64_t{sizeof(float)};
         const RingShape shape = inPlace ? shapes.wholeRows() : shapes.within(elements, converts ? 1 : 0);
+
         Area placed(memory);
         engine = layOutSeparable<Channels, S, float>(placed, row, column, shape);
-        takeScratch(placed, shape.strip * Channels);
+        takeScratch(placed, bytes, scratchElements(row, shape.strip));
+    }
+
+    // As many elements as are wanted, or as the rest of the memory holds.
+    void takeScratch(Area& area, int64_t bytes, int64_t wanted) {
+        if (!converts) return;
+        const int64_t left = (bytes - area.bytes() - kVectorBytes) / int64_t{sizeof(float)};
+        scratchCount = wanted < left ? wanted : left;
+        scratch = area.take<float>(scratchCount, kVectorBytes);
     }
 };
 
