@@ -137,19 +137,20 @@ struct WorkBuffer {
     }
 };
 
+// The sum of a kernel's coefficients: of integers exact, of floats in kernel order.
+template <class K>
+auto kernelSum(const K* kernel, int64_t length) {
+    std::conditional_t<kIsInt<K>, int64_t, float> sum = 0;
+    for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+    return sum;
+}
+
 // What the row pass makes of border values: value * (sum of the kernel), times the reciprocal of the divisor
 // for integer kernels.
 template <class S, class K>
 float filteredBorderValue(S value, const K* kernel, int64_t length, float scale) {
-    if constexpr (kIsInt<K>) {
-        int64_t sum = 0;
-        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
-        return static_cast<float>(static_cast<float>(sum) * static_cast<float>(value)) * scale;
-    } else {
-        float sum = 0;
-        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
-        return static_cast<float>(value) * sum;
-    }
+    const float product = static_cast<float>(value) * static_cast<float>(kernelSum(kernel, length));
+    return kIsInt<K> ? product * scale : product;
 }
 
 // v * 2^-scaleFactor, finite, so that it takes zeros to zeros; other sums it then takes out of the range of any
@@ -254,9 +255,7 @@ struct ExactPlan {
         } else {
             sums = Sums::Signed32;
             bias = row.low >= -32768 && row.high <= 32767 ? 0 : static_cast<int32_t>(row.low + 32768);
-            int64_t columnSum = 0;
-            for (int64_t j = 0; j < spec.kernelHeight; ++j) columnSum += coefficient(columnKernel, j);
-            columnStart = static_cast<int32_t>(columnSum * bias);
+            columnStart = static_cast<int32_t>(kernelSum(columnKernel, spec.kernelHeight) * bias);
         }
     }
 
@@ -296,8 +295,7 @@ void filterExactly(const SeparableSpec& spec, const SeparableTask<uint8_t, Chann
 
     int16_t outside[Channels] = {};
     if (task.border.kind() == BorderConstant) {
-        int64_t sum = 0;
-        for (int64_t i = 0; i < task.row.length; ++i) sum += coefficient(rowKernel, i);
+        const int64_t sum = kernelSum(rowKernel, task.row.length);
         for (int c = 0; c < Channels; ++c) {
             outside[c] = static_cast<int16_t>(task.borderValue[c] * sum - plan.bias);
         }
