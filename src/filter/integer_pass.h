@@ -419,9 +419,10 @@ OKPCV_INLINE void withWrappingTaps(const WrappingKernel& kernel, const Run& run)
 class PairedKernel {
   public:
     static constexpr int64_t longest = 64;
-    static constexpr int64_t largestMagnitude = 257;  // of the kernel: the sum of coefficients without signs
+    // Of a kernel, the sum of its coefficients without signs: its sums of bytes then span 16 bits at most.
+    static constexpr int64_t largestMagnitude = 65535 / 255;
 
-    // `length` must be at least 2. There is at least one term.
+    // `length` must be 2 to `longest`. There is at least one term.
     PairedKernel(const int16_t* kernel, int64_t length) {
         int next = coefficient(kernel, 0);
         for (int64_t tap = 0; tap + 1 < length; ++tap) {
@@ -446,7 +447,9 @@ class PairedKernel {
 
   private:
     static constexpr int most = 128;  // 128 * 255 fits 16 bits
-    static constexpr int64_t capacity = longest + largestMagnitude / most;
+    // Each tap but the last begins one term; another one only if a term before it has taken most - 1 of the
+    // magnitude at least.
+    static constexpr int64_t capacity = longest + largestMagnitude / (most - 1);
 
     // As much of a coefficient as a term takes that has another one.
     static int limited(int k, int other) {

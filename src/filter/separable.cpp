@@ -244,7 +244,8 @@ struct ExactPlan {
         const Range sum = row.weighted(columnKernel, spec.kernelHeight);
         // Coefficients of both signs: no partial sum exceeds the sum of magnitudes, which is at most this.
         const int64_t largest = (row.high - row.low) * magnitude(columnKernel, spec.kernelHeight);
-        if (row.high - row.low > 65535 || largest > int64_t{1} << 24) return;
+        const int64_t rowSpan = 255 * PairedKernel::largestMagnitude;  // what 16 bits hold
+        if (row.high - row.low > rowSpan || largest > int64_t{1} << 24) return;
 
         bits = static_cast<int>(shift);
         negative = sum.low < 0;
