@@ -343,20 +343,18 @@ class WrappingKernel {
 namespace detail {
 
 // sum[v] += what taps a and b (or a alone) see at element v * lanes, times c.
-template <int V, class S, class Extent>
-OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const S* a, const S* b, Extent extent) {
+template <int V, class Extent>
+OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const int16_t* a, const int16_t* b,
+                              Extent extent) {
     constexpr int lanes = Vec<int16_t>::lanes;
     for (int v = 0; v < V; ++v) {
-        const Vec<int16_t> both =
-            loadAs<int16_t>(a + v * lanes, extent) + loadAs<int16_t>(b + v * lanes, extent);
+        const Vec<int16_t> both = load(a + v * lanes, extent) + load(b + v * lanes, extent);
         accumulate(sum[v], both * c);
     }
 }
-template <int V, class S, class Extent>
-OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const S* a, Extent extent) {
-    for (int v = 0; v < V; ++v) {
-        accumulate(sum[v], loadAs<int16_t>(a + v * Vec<int16_t>::lanes, extent) * c);
-    }
+template <int V, class Extent>
+OKPCV_INLINE void addWrapping(Vec<int16_t> (&sum)[V], Vec<int16_t> c, const int16_t* a, Extent extent) {
+    for (int v = 0; v < V; ++v) accumulate(sum[v], load(a + v * Vec<int16_t>::lanes, extent) * c);
 }
 
 }  // namespace detail
