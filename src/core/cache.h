@@ -1,5 +1,5 @@
 // The cache query and the decisions taken by it: when an output is large enough to be streamed past the
-// caches, and when a region to be filtered in strips.
+// caches, and when a region is filtered in strips.
 #pragma once
 
 #include <cstdint>
@@ -36,7 +36,8 @@ inline bool streamsFilter(int64_t product) {
 }
 
 // Filters with small masks: regions of fewer pixels than an eighth of the caches' bytes are filtered whole,
-// others in strips.
+// others in strips. The eighth counts with its fraction: whole pixels are fewer than it when they are fewer
+// than it rounded up.
 inline bool filtersWhole(Size size) {
     return size.width * size.height < (int64_t{queryCacheSize().bytes} + 7) / 8;
 }

@@ -46,7 +46,7 @@ constexpr T truncateSaturated(float v) {
     }
 }
 
-// v times the quotient of two positive powers of two, rounded half up: (v + 2^(bits - 1)) >> bits.
+// v / 2^bits, rounded half up: (v + 2^(bits - 1)) >> bits.
 constexpr int64_t shiftRightHalfUp(int64_t v, int bits) {
     return bits == 0 ? v : (v + (int64_t{1} << (bits - 1))) >> bits;
 }
@@ -68,7 +68,7 @@ constexpr int64_t roundUp(int64_t v, int64_t multiple) {
     return (v + multiple - 1) / multiple * multiple;
 }
 
-// The product of two factors that are not negative, or false when it does not fit 64 bits.
+// The product and the sum; false when it does not fit 64 bits.
 constexpr bool multiplyChecked(int64_t a, int64_t b, int64_t& product) {
     return !__builtin_mul_overflow(a, b, &product);
 }
