@@ -96,7 +96,8 @@ struct MaskedPixels {
         OKPCV_INLINE SomeLanes<T> lanes(int64_t x, Extent extent) const {
             return {unselected<T>(mask + x, extent)};
         }
-        // Whether none of the pixels from x on takes part. Not looked for in fewer than a vector of mask bytes.
+        // Whether none of the pixels from x on takes part. Where they are fewer than a vector of mask bytes
+        // it is not looked for.
         template <int kPixels>
         OKPCV_INLINE bool isEmpty(int64_t x) const {
             constexpr int kLanes = Vec<uint8_t>::lanes;

@@ -44,8 +44,8 @@ template <class S>
 inline constexpr Fetch kFetchBeside = sizeof(S) == 1 ? Fetch::FirstAhead : Fetch::AsItComes;
 inline constexpr int64_t kFetchedAheadBytes = 8192;
 
-// Calls kernel(Extent{}, out + x, p + x...) along a row from x on, as far as there is something to fetch in the
-// row, and returns where it ends.
+// Calls kernel(Extent{}, out + x, p + x...) along a row from x on, as far as there is something to fetch in
+// the row, and returns where it ends.
 template <int kLanes, class Extent, class Kernel, class Out, class... T>
 OKPCV_INLINE int64_t mapFetching(int64_t x, int64_t width, const Kernel& kernel, Out* out, T*... p) {
     constexpr int64_t ahead = kFetchedAheadBytes / int{sizeof(Out)};

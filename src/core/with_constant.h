@@ -8,8 +8,8 @@
 
 namespace okpcv {
 
-// Calls run(std::integral_constant<int, n>{}) where n is one of the numbers named, run with the constant 0 for
-// any other, and returns what it returns.
+// Calls run(std::integral_constant<int, n>{}) where n is one of the numbers named, run with the constant 0
+// for any other, and returns what it returns.
 template <int First, int... Others, class Run>
 OKPCV_INLINE auto withConstant(int64_t n, const Run& run) {
     if (n == First) return run(std::integral_constant<int, First>{});

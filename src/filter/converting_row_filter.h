@@ -1,6 +1,6 @@
-// Intermediate rows of integer sources that a float row pass filters: a stretch of the row is converted first,
-// so that the conversion is paid once per element instead of once per tap. What a border adds is converted with
-// it, and the pass sees one row without sides.
+// Intermediate rows of integer sources that a float row pass filters: a stretch of the row is converted
+// first, so that the conversion is paid once per element instead of once per tap. What a border adds is
+// converted with it, and the pass sees one row without sides.
 #pragma once
 
 #include <cstdint>

@@ -1,11 +1,11 @@
 // Filters with fixed masks of 3 x 3 and 5 x 5 pixels: means, mixed second derivatives and Laplacians. 8-bit
 // images are filtered in 16-bit integers, which hold every sum of them; float images in single precision.
 //
-// Bound, per 16 outputs of an 8-bit image and mask length n: of means n loads, the 5 (3 x 3) or 7 instructions
-// of the row's sums, 4 or 8 additions of rows and 5 or 9 instructions that divide; of the others 2 n loads that
-// widen, the 2 (3 x 3 cross derivative) to 26 (5 x 5 Laplacian) instructions of the row's sums, then as many
-// additions as the mask has distinct rows, twice. Float images need as many instructions for 4 outputs each
-// way, and are bound by the memory where they leave the caches.
+// Bound, per 16 outputs of an 8-bit image and mask length n: of means n loads, the 5 (3 x 3) or 7
+// instructions of the row's sums, 4 or 8 additions of rows and 5 or 9 instructions that divide; of the
+// others 2 n loads that widen, the 2 (3 x 3 cross derivative) to 26 (5 x 5 Laplacian) instructions of the
+// row's sums, then as many additions as the mask has distinct rows, twice. Float images need as many
+// instructions for 4 outputs each way, and are bound by the memory where they leave the caches.
 #include "core/area.h"
 #include "core/border.h"
 #include "core/cache.h"
@@ -71,8 +71,8 @@ struct Mean {
     }
 };
 
-// Of bytes. Two neighbouring outputs see the same elements but for the first and the last: an instruction that
-// adds pairs of bytes serves both.
+// Of bytes. Two neighbouring outputs see the same elements but for the first and the last: an instruction
+// that adds pairs of bytes serves both.
 template <int kLength>
 struct ByteMean {
     static constexpr int length = kLength;

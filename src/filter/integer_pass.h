@@ -44,7 +44,7 @@ bool sumsAreExact(const int16_t* kernel, int64_t length) {
     return magnitude(kernel, length) * largest <= int64_t{1} << 24;
 }
 
-// What becomes of sums of 32-bit integers, two vectors for every vector of 16-bit elements, as they are stored.
+// How sums of 32-bit integers, two vectors for every vector of 16-bit elements, are finished and stored.
 struct TimesScale {
     float scale;
 
@@ -194,8 +194,8 @@ struct IntegerRowPass {
 //
 // Two output rows are made at a time: the interleaved elements of two rows serve both.
 //
-// Bound, per two taps and eight elements of an output row: one interleaving, two multiply-add instructions and
-// two additions, of which a core does four a cycle.
+// Bound, per two taps and eight elements of an output row: one interleaving, two multiply-add instructions
+// and two additions, of which a core does four a cycle.
 template <class D, class Finish>
 struct IntegerColumnPass {
     const int16_t* kernel;
@@ -412,8 +412,8 @@ OKPCV_INLINE void withWrappingTaps(const WrappingKernel& kernel, const Run& run)
     });
 }
 
-// A kernel as a sum of terms, each of which weighs two neighbouring taps with 8-bit coefficients so small that
-// the term of any two 8-bit pixels fits 16 bits. Large coefficients are spread over several terms.
+// A kernel as a sum of terms, each of which weighs two neighbouring taps with 8-bit coefficients so small
+// that the term of any two 8-bit pixels fits 16 bits. Large coefficients are spread over several terms.
 class PairedKernel {
   public:
     static constexpr int64_t longest = 64;
@@ -494,8 +494,8 @@ struct PairedRowPass {
   private:
     static constexpr int lanes = Vec<uint8_t>::lanes;
 
-    // The terms: calls add(i, place, coefficients) for i = 0, 1, ..., where the elements seen by the first tap
-    // of term i begin at `place`.
+    // The terms: calls add(i, place, coefficients) for i = 0, 1, ..., where the elements seen by the first
+    // tap of term i begin at `place`.
     template <int Terms>
     class FixedTerms {
       public:

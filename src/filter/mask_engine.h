@@ -9,8 +9,8 @@
 // columns each: element x of output row r sees rows[r + j][x + i] for i and j from 0 to length - 1. The
 // engine brings the borders.
 //
-// - Rows. The pass gets an array of pointers to the rows that a batch of outputs sees. Replicated and mirrored
-//   rows are the source's own; rows of a constant border are one row of border values.
+// - Rows. The pass gets an array of pointers to the rows that a batch of outputs sees. Replicated and
+//   mirrored rows are the source's own; rows of a constant border are one row of border values.
 // - Columns. The vector of outputs next to a side is computed from windows: the few pixels around it, copied
 //   row by row with the border's in place. A side in memory needs none.
 // - Strips. A large region is filtered in vertical strips, so that rows are still in the cache when the next

@@ -153,8 +153,8 @@ float filteredBorderValue(S value, const K* kernel, int64_t length, float scale)
     return kIsInt<K> ? product * scale : product;
 }
 
-// v * 2^-scaleFactor, finite, so that it takes zeros to zeros; other sums it then takes out of the range of any
-// integer type.
+// v * 2^-scaleFactor, finite, so that it takes zeros to zeros; other sums it then takes out of the range of
+// any integer type.
 float scaledDown(float v, int32_t scaleFactor) {
     constexpr int32_t enough = 300;  // shifts any float out of its range
     constexpr float largest = std::numeric_limits<float>::max();

@@ -49,7 +49,8 @@ struct SeparableTask {
 // Rows that a row pass filters in one call.
 inline constexpr int64_t kRowsTogether = 8;
 
-// Memory for the windows of as many rows, at most kRowsTogether, as are filtered together: windowPixels() each.
+// Memory for the windows of the rows that are filtered together: `count` of windowPixels() each, at most
+// kRowsTogether.
 template <class S>
 struct Windows {
     S* first;
@@ -87,8 +88,8 @@ class RowFilter {
         if (right_ < left_) right_ = left_;
     }
 
-    // Columns `from` to `to` - 1 of `count` intermediate rows: out[i] is made of source row y[i], which must be
-    // readable.
+    // Columns `from` to `to` - 1 of `count` intermediate rows: out[i] is made of source row y[i], which
+    // must be readable.
     __attribute__((noinline)) void filter(Mid* const* out, const int64_t* y, int64_t count, int64_t from,
                                           int64_t to) const {
         const int64_t begin = left_ < from ? from : left_ < to ? left_ : to;

@@ -21,9 +21,9 @@
 
 namespace okpcv {
 
-// Elements of a tile's row; the tile is kept on the stack. Short rows let float images come from memory and go to
-// it evenly, at the price of more calls; of smaller elements calls are what counts. Whole blocks of the row pass's
-// vectors, for any number of channels.
+// Elements of a tile's row; the tile is kept on the stack. Short rows let float images come from memory and
+// go to it evenly, at the price of more calls; of smaller elements calls are what counts. Whole blocks of
+// the row pass's vectors, for any number of channels.
 template <class S>
 inline constexpr int64_t kTileElements = kIsFloat<S> ? 96 : 288;
 
