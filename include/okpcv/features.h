@@ -18,16 +18,17 @@
  *    for integer derivatives @f$ m > trunc(low) @f$, for float ones @f$ m \ge low @f$. Outside the region
  *    magnitudes are 0. NaN magnitudes do not pass.
  * 2. A pixel survives when its magnitude exceeds that of the two neighbours along the gradient. The direction
- * is vertical when @f$ |d_y| > 2.414213562373095 \, |d_x| @f$, else horizontal when
+ *    is vertical when @f$ |d_y| > 2.414213562373095 \, |d_x| @f$, else horizontal when
  *    @f$ 0.41421356237309503 \, |d_x| > |d_y| @f$ (the products formed in double and rounded to single
- * precision), else diagonal: up-left and down-right when the derivatives have the same sign, zero counting as
- * positive, up-right and down-left otherwise. In the vertical and horizontal directions the magnitude may
- * equal that of the neighbour below or to the right.
+ *    precision), else diagonal: up-left and down-right when the derivatives have the same sign, zero counting
+ *    as positive, up-right and down-left otherwise. In the vertical and horizontal directions the magnitude
+ *    may equal that of the neighbour below or to the right.
  * 3. Survivors whose magnitude, as a float, exceeds the high threshold are edges, and so are survivors that
  *    touch an edge at a side or a corner.
  *
  * With integer derivatives a low threshold beyond the integers leaves no edge, and a threshold that is NaN
- * never does. Large destinations are streamed past the caches (see okpGetMaxCacheSizeB()).
+ * never does. The squares of two extreme 16-bit derivatives, -32768, add up to 2147483648 without overflow.
+ * Large destinations are streamed past the caches (see okpGetMaxCacheSizeB()).
  *
  * Source: J. Canny, "A Computational Approach to Edge Detection", IEEE Transactions on Pattern Analysis and
  * Machine Intelligence 8 (1986).
@@ -72,7 +73,7 @@ OKPCV_API okpStatus okpiCannyGetSize_L(RoiSizeL roiSize, int64_t* pBufferSize);
  * @param[in]  srcDxStep   Step of the horizontal derivative in bytes.
  * @param[in]  pSrcDy      Vertical derivative: lower minus upper.
  * @param[in]  srcDyStep   Step of the vertical derivative in bytes.
- * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere.
+ * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere; must not overlap the derivatives.
  * @param[in]  dstEdgeStep Step of the edge map in bytes.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  lowThresh   Low threshold, not negative.
@@ -104,7 +105,7 @@ OKPCV_API okpStatus okpiCanny_32f8u_C1R(const float* pSrcDx, int32_t srcDxStep, 
  * @param[in]  srcDxStep   Step of the horizontal derivative in bytes.
  * @param[in]  pSrcDy      Vertical derivative: lower minus upper.
  * @param[in]  srcDyStep   Step of the vertical derivative in bytes.
- * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere.
+ * @param[out] pDstEdges   Edge map: 255 on edges, 0 elsewhere; must not overlap the derivatives.
  * @param[in]  dstEdgeStep Step of the edge map in bytes.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  lowThresh   Low threshold.
@@ -171,13 +172,15 @@ OKPCV_API okpStatus okpiCannyBorderGetSize(RoiSize roiSize, int32_t derivativeKi
  *
  * @param[in]  pSrc           Source.
  * @param[in]  srcStep        Step of the source in bytes.
- * @param[out] pDst           Edge map: 255 on edges, 0 elsewhere.
+ * @param[out] pDst           Edge map: 255 on edges, 0 elsewhere; must not overlap the source.
  * @param[in]  dstStep        Step of the edge map in bytes.
  * @param[in]  roiSize        Size of the region in pixels.
  * @param[in]  derivativeKind 2: Sobel, 5: Scharr.
  * @param[in]  mask           #MaskSize3x3, or for Sobel #MaskSize5x5.
- * @param[in]  border         #BorderReplicate or #BorderConstant with any side flags, or #BorderInMemory.
- * @param[in]  borderValue    Pixels outside the region, for #BorderConstant.
+ * @param[in]  border         #BorderReplicate or #BorderConstant with any side flags, or #BorderInMemory. On
+ *                            a side in memory as many pixels as the mask reaches, 1 or 2, are read beyond the
+ *                            region.
+ * @param[in]  borderValue    Pixels outside the region, for #BorderConstant; ignored for other kinds.
  * @param[in]  lowThresh      Low threshold, not negative.
  * @param[in]  highThresh     High threshold, not below the low one.
  * @param[in]  norm           #NormL1 or #NormL2.
@@ -189,7 +192,7 @@ OKPCV_API okpStatus okpiCannyBorderGetSize(RoiSize roiSize, int32_t derivativeKi
  *         - #okpStatusBadStep: a step below the width;
  *         - #okpStatusBadArgument: @p derivativeKind is neither 2 nor 5;
  *         - #okpStatusBadArgument: @p norm is neither #NormL1 nor #NormL2, or the low threshold is negative
- * or above the high one;
+ *           or above the high one;
  *         - #okpStatusBadBorder: @p border is not accepted.
  */
 OKPCV_API okpStatus okpiCannyBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
@@ -245,12 +248,14 @@ OKPCV_API okpStatus okpiFindPeaks3x3GetBufferSize_32s_C1R(int32_t roiWidth, int3
  * @param[in]  srcStep      Step of the image in bytes.
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  threshold    Magnitude that a peak must exceed.
- * @param[out] pPeak        Positions of the peaks.
+ * @param[out] pPeak        Positions of the peaks; must not overlap the image.
  * @param[in]  maxPeakCount Capacity of @p pPeak; the search ends when it is reached.
  * @param[out] pPeakCount   Number of peaks listed.
  * @param[in]  norm         0: the eight neighbours (3 x 3); 1: left, right, upper and lower (a cross).
- * @param[in]  border       Width of a frame in which no peak is reported; 0 peaks when it leaves nothing.
- * @param      pBuffer      Work buffer.
+ * @param[in]  border       Width of a frame, at least 1, in which no peak is reported; 0 peaks when it leaves
+ *                          nothing.
+ * @param      pBuffer      Work buffer, of the size that the function's `GetBufferSize` reports; needs no
+ *                          alignment.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width, height, @p maxPeakCount or @p border below 1;

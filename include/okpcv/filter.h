@@ -25,10 +25,10 @@
  * alignment. Where NaNs meet, which of them results is not defined.
  *
  * - Integer kernels carry a divisor, which applies to both passes: the pair 1 2 1 / 1 2 1 is normalised by
- * the divisor 4. Products of coefficients and pixels are exact before they are rounded to single precision.
+ *   the divisor 4. Products of coefficients and pixels are exact before they are rounded to single precision.
  * - Float kernels have no divisor (@f$ r @f$ does not occur).
  * - @f$ C @f$ stores floats unchanged and clamps to the range of an integer type, then truncates towards
- * zero: 254.9 becomes 254, and NaN the smallest value of the type.
+ *   zero: 254.9 becomes 254, and NaN the smallest value of the type.
  *
  * Use: ask okpiFilterSeparableGetSpecSize() and okpiFilterSeparableGetBufferSize() how much memory is needed,
  * fill the spec with okpiFilterSeparableInit_16s() or okpiFilterSeparableInit_32f() once, then filter any
@@ -468,7 +468,8 @@ OKPCV_API okpStatus okpiFilterSeparable_32f_C4R_L(const float* pSrc, int64_t src
  *
  * @param[in]  pSrc        Source.
  * @param[in]  srcStep     Step of the source in bytes.
- * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width;
+ *                         they must not overlap the source.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  pKernel     Kernel.
  * @param[in]  kernelSize  Length k of the kernel.
@@ -539,7 +540,8 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_16u_C3R(const uint16_t* pSrc, in
  *
  * @param[in]  pSrc        Source.
  * @param[in]  srcStep     Step of the source in bytes.
- * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width.
+ * @param[out] ppDst       An array of as many pointers as the region has rows, each to a row of its width;
+ *                         they must not overlap the source.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  pKernel     Kernel.
  * @param[in]  kernelSize  Length k of the kernel.
@@ -630,7 +632,7 @@ OKPCV_API okpStatus okpiFilterRowBorderPipeline_Low_16s_C3R(const int16_t* pSrc,
  * the result: truncation towards zero, then saturation.
  *
  * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
- * @param[out] pDst       Destination.
+ * @param[out] pDst       Destination; must not overlap the rows.
  * @param[in]  dstStep    Step of the destination in bytes.
  * @param[in]  roiSize    Size of the destination in pixels.
  * @param[in]  pKernel    Kernel.
@@ -720,7 +722,7 @@ OKPCV_API okpStatus okpiFilterColumnPipeline_16u_C3R(const uint16_t* const* ppSr
  * Each channel is filtered by itself.
  *
  * @param[in]  ppSrc      An array of height + k - 1 pointers to rows of the region's width.
- * @param[out] pDst       Destination.
+ * @param[out] pDst       Destination; must not overlap the rows.
  * @param[in]  dstStep    Step of the destination in bytes.
  * @param[in]  roiSize    Size of the destination in pixels.
  * @param[in]  pKernel    Kernel.
@@ -1093,7 +1095,8 @@ OKPCV_API okpStatus okpiFilterGaussianInit_L(RoiSizeL roiSize, int32_t kernelSiz
  *
  * @param[in]  pSrc        First pixel of the source's region.
  * @param[in]  srcStep     Bytes from one source row to the next.
- * @param[out] pDst        First pixel of the destination's region; may be the source with the same step.
+ * @param[out] pDst        First pixel of the destination's region; may be the source with the same step, but
+ *                         must not overlap it otherwise.
  * @param[in]  dstStep     Bytes from one destination row to the next.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  borderType  Pixels outside the region: #BorderReplicate, #BorderMirror or #BorderConstant, each
@@ -1248,7 +1251,8 @@ OKPCV_API okpStatus okpiFilterGaussian_32f_C3R_L(const float* pSrc, int64_t srcS
  *
  * @param[in]  pSrc        First pixel of the source's region.
  * @param[in]  srcStep     Bytes from one source row to the next.
- * @param[out] pDst        First pixel of the destination's region; may be the source with the same step.
+ * @param[out] pDst        First pixel of the destination's region; may be the source with the same step, but
+ *                         must not overlap it otherwise.
  * @param[in]  dstStep     Bytes from one destination row to the next.
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[in]  borderValue Value of the constant border, for three channels one per channel; not read for
@@ -1345,7 +1349,7 @@ OKPCV_API okpStatus okpiFilterGaussianBorder_32f_C3R(const float* pSrc, int32_t 
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: the kernel is null;
  *         - #okpStatusBadSize: a number of taps that is even or below 1, an order below 0 or not less than
- * it.
+ *           it.
  */
 OKPCV_API okpStatus okpiGenSobelKernel_16s(int16_t* pKernel, int32_t kernelSize, int32_t order, int32_t sign);
 

@@ -18,10 +18,9 @@
  *
  * With @f$ M @f$ the longer and @f$ m @f$ the shorter of @f$ |x_2 - x_1| @f$ and @f$ |y_2 - y_1| @f$ (y
  * counts as the longer when they are equal), an error @f$ e = M @f$ and the current pixel at @p pt1, this is
- * repeated
- * @f$ n = M + 1 @f$ times: copy the current pixel to the next sample; @f$ e \leftarrow e - 2m @f$; if
- * @f$ e < 0 @f$ then @f$ e \leftarrow e + 2M @f$ and move one pixel along the shorter axis; move one pixel
- * along the longer axis.
+ * repeated @f$ n = M + 1 @f$ times: copy the current pixel to the next sample;
+ * @f$ e \leftarrow e - 2m @f$; if @f$ e < 0 @f$ then @f$ e \leftarrow e + 2M @f$ and move one pixel along the
+ * shorter axis; move one pixel along the longer axis.
  *
  * Every sample is an existing pixel. The first is @p pt1 and the last @p pt2. Where the exact line passes
  * midway between two pixels it stays, so a line and its reverse may visit different pixels. Equal points give
@@ -108,9 +107,9 @@ OKPCV_API okpStatus okpiSampleLine_32f_C3R(const float* pSrc, int32_t srcStep, R
  * @f[ w_{10} = \lfloor (a_y (16384 - a_x) + 16384) / 16384 \rfloor \quad
  *     w_{11} = \lfloor (a_y a_x + 16384) / 16384 \rfloor @f]
  *
- * What their sum exceeds 16384 by is taken from one of them: the first of @f$ w_{00}, w_{10}, w_{01}, w_{11}
- * @f$ that is at least as large as each other. So a shift without fraction has the weights 16381, 1, 1, 1.
- * Then
+ * What their sum exceeds 16384 by is taken from one of them: the first of
+ * @f$ w_{00}, w_{10}, w_{01}, w_{11} @f$ that is at least as large as each other. So a shift without fraction
+ * has the weights 16381, 1, 1, 1. Then
  *
  * @f[ S = w_{00} s(x, y) + w_{01} s(x + 1, y) + w_{10} s(x, y + 1) + w_{11} s(x + 1, y + 1) @f]
  * @f[ dst(x, y) = \lfloor (S + 8192) / 16384 \rfloor @f]

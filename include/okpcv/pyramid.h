@@ -192,9 +192,9 @@ OKPCV_API okpStatus okpiPyramidInit_L(PyramidRecordL** pyramid, int32_t level, R
  * @f[ dst(x, y) = C\bigl( H_y(j') + (H_y(j' + 1) - H_y(j')) \, f' \bigr) @f]
  *
  * - For Down @f$ S @f$ is the source, @f$ j + f = y r @f$ and @f$ j' + f' = x r @f$.
- * - For Up @f$ S @f$ has twice the source's size: @f$ S(2x, 2y) = src(x, y) @f$, the rest is zero (@f$ M_y
- * @f$ too has zeros between its pixels). @f$ j + f = 2y / r @f$ and @f$ j' + f' = 2x / r @f$. Sums have no
- * terms for the zeros.
+ * - For Up @f$ S @f$ has twice the source's size: @f$ S(2x, 2y) = src(x, y) @f$, the rest is zero
+ *   (@f$ M_y @f$ too has zeros between its pixels). @f$ j + f = 2y / r @f$ and @f$ j' + f' = 2x / r @f$. Sums
+ *   have no terms for the zeros.
  * - A place behind the last pixel of @f$ S @f$ is moved onto it. @f$ f @f$ is the fractional part; places are
  *   computed in double precision, @f$ f @f$ is then rounded to single precision. Where it is 0, the second
  *   element is not looked at.
@@ -310,14 +310,14 @@ OKPCV_API okpStatus okpiPyramidLayerDownGetSize_32f_C1R_L(RoiSizeL srcRoi, float
  *                        kernel 1 4 6 4 1.
  * @param[in]  kernelSize Number of coefficients: odd, at least 3, and 5 when @p pKernel is null.
  * @param[out] pSpec      Spec, of the size that okpiPyramidLayerDownGetSize_8u_C1R() reports for the same
- * arguments.
+ *                        arguments.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: @p pSpec is null;
  *         - #okpStatusBadSize: width or height below 1;
  *         - #okpStatusBadArgument: @p rate outside its range or NaN;
  *         - #okpStatusBadArgument: @p kernelSize even or below 3;
  *         - #okpStatusSizeTooLarge: okpiPyramidLayerDownGetSize_8u_C1R() reports no sizes, because they
- * exceed their type;
+ *           exceed their type;
  *         - #okpStatusBadArgument: @p pKernel is null and @p kernelSize is not 5;
  *         - #okpStatusDivByZero: the sum of the coefficients is zero;
  *         - #okpStatusBadArgument: a weight is not a finite number.
@@ -375,7 +375,7 @@ OKPCV_API okpStatus okpiPyramidLayerDownInit_32f_C1R_L(RoiSizeL srcRoi, float ra
  * @param[in]  pSrc    Source.
  * @param[in]  srcStep Step of the source in bytes.
  * @param[in]  srcRoi  Size of the source: in neither direction larger than the size that the spec was made
- * for.
+ *                     for.
  * @param[out] pDst    Destination; must not overlap the source.
  * @param[in]  dstStep Step of the destination in bytes.
  * @param[in]  dstRoi  Size of the destination: what okpiGetPyramidDownROI() reports for the source.
@@ -516,14 +516,14 @@ OKPCV_API okpStatus okpiPyramidLayerUpGetSize_32f_C1R_L(RoiSizeL srcRoi, float r
  *                        kernel 1 4 6 4 1.
  * @param[in]  kernelSize Number of coefficients: odd, at least 3, and 5 when @p pKernel is null.
  * @param[out] pSpec      Spec, of the size that okpiPyramidLayerUpGetSize_8u_C1R() reports for the same
- * arguments.
+ *                        arguments.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: @p pSpec is null;
  *         - #okpStatusBadSize: width or height below 1;
  *         - #okpStatusBadArgument: @p rate outside its range or NaN;
  *         - #okpStatusBadArgument: @p kernelSize even or below 3;
  *         - #okpStatusSizeTooLarge: okpiPyramidLayerUpGetSize_8u_C1R() reports no sizes, because they exceed
- * their type;
+ *           their type;
  *         - #okpStatusBadArgument: @p pKernel is null and @p kernelSize is not 5;
  *         - #okpStatusDivByZero: the sum of the coefficients is zero;
  *         - #okpStatusBadArgument: a weight is not a finite number.
@@ -581,7 +581,7 @@ OKPCV_API okpStatus okpiPyramidLayerUpInit_32f_C1R_L(RoiSizeL srcRoi, float rate
  * @param[in]  pSrc    Source.
  * @param[in]  srcStep Step of the source in bytes.
  * @param[in]  srcRoi  Size of the source: in neither direction larger than the size that the spec was made
- * for.
+ *                     for.
  * @param[out] pDst    Destination; must not overlap the source.
  * @param[in]  dstStep Step of the destination in bytes.
  * @param[in]  dstRoi  Size of the destination: in the range that okpiGetPyramidUpROI() reports for the

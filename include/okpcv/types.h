@@ -79,7 +79,7 @@ enum okpStatusValue {
     okpStatusBadBorder = -225,           /**< A #BorderKind or its flags are not accepted. */
     okpStatusBadNorm = -229,             /**< A #NormKind is not accepted. */
     okpStatusBadFilterKind = -230,       /**< A derivative-filter kind is not 2, 5 or 8. */
-    okpStatusSizeTooLarge = -232,        /**< A 64-bit size, step or count exceeds 2147483647. */
+    okpStatusSizeTooLarge = -232,        /**< A size, step or count exceeds what the function can hold. */
     okpStatusInPlaceNotSupported = -9998 /**< Source and destination are equal where that cannot work. */
 };
 
