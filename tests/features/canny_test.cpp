@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/border.h"
+#include "support/cache_stand_in.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
 #include "support/status_order.h"
@@ -229,6 +230,7 @@ TYPED_TEST(CannyTest, ChecksInOrder) {
         {"null buffer", okpStatusNullPointer, [](A& a) { a.buffer = nullptr; }}};
     const int64_t large = int64_t{INT32_MAX} + 1;
     const std::vector<Fault<A>> tooLarge{
+        {"large width", okpStatusSizeTooLarge, [=](A& a) { a.roi.width = large; }},
         {"large height", okpStatusSizeTooLarge, [=](A& a) { a.roi.height = large; }},
         {"large dx step", okpStatusSizeTooLarge, [=](A& a) { a.dxStep = large; }},
         {"large dy step", okpStatusSizeTooLarge, [=](A& a) { a.dyStep = large; }},
@@ -446,6 +448,7 @@ TEST(CannyBorder, ChecksInOrder) {
     using A = BorderArguments;
     GuardedImage<uint8_t> src(6, 4, {.padding = 2});
     GuardedImage<uint8_t> dst(6, 4, {.padding = 2});
+    dst.fill([](int, int, int) { return 9; });
     std::vector<uint8_t> buffer(2000);
     const A valid{src.data(),  src.step(),      dst.data(), dst.step(), {6, 4}, 2,
                   MaskSize3x3, BorderReplicate, 1,          2,          NormL1, buffer.data()};
@@ -470,6 +473,7 @@ TEST(CannyBorder, ChecksInOrder) {
          {"large border", okpStatusBadBorder, [](A& a) { a.border = 256 + BorderReplicate; }},
          {"mirror", okpStatusBadBorder, [](A& a) { a.border = BorderMirror; }},
          {"flags without kind", okpStatusBadBorder, [](A& a) { a.border = BorderInMemTop; }}});
+    EXPECT_EQ(dst.pixels(), std::vector<uint8_t>(24, 9));
     A scharr = valid;
     scharr.kind = 5;
     EXPECT_EQ(call(scharr), okpStatusOk);
@@ -492,6 +496,7 @@ TEST(Canny, BufferSizes) {
 
     EXPECT_EQ(okpiCannyGetSize_L({0, 0}, nullptr), okpStatusNullPointer);
     EXPECT_EQ(okpiCannyGetSize_L({INT64_MAX, 0}, &large), okpStatusSizeTooLarge);
+    EXPECT_EQ(okpiCannyGetSize_L({1, int64_t{INT32_MAX} + 1}, &large), okpStatusSizeTooLarge);
     EXPECT_EQ(okpiCannyGetSize_L({0, 5}, &large), okpStatusBadSize);
     EXPECT_EQ(okpiCannyGetSize_L({INT32_MAX, INT32_MAX}, &large), okpStatusSizeTooLarge);
     EXPECT_EQ(large, 7);
@@ -509,6 +514,38 @@ TEST(Canny, BufferSizes) {
     EXPECT_EQ(size, 10304 + 311712 + 1246784 + 64);  // P = 644 * 484 = 311696
     EXPECT_EQ(okpiCannyBorderGetSize({2, 9}, 2, 33, 1, &size), okpStatusOk);
     EXPECT_EQ(size, 64 + 64 + 64 + 192 + 64);  // P = 44, the width below 3
+}
+
+// The edge map is the same past the caches, which are asked about for 524289 pixels and more.
+TEST(Canny, StreamsLargeEdgeMaps) {
+    struct {
+        RoiSize size;
+        int queries;
+    } const regions[] = {{{1024, 512}, 0}, {{174763, 3}, 1}};
+    Random random(64);
+    for (const auto& [size, queries] : regions) {
+        const int pixels = size.width * size.height;
+        std::vector<int16_t> dx(static_cast<size_t>(pixels)), dy(dx.size());
+        for (int16_t& v : dx) v = static_cast<int16_t>(random.integer(-300, 300));
+        for (int16_t& v : dy) v = static_cast<int16_t>(random.integer(-300, 300));
+        const Limits limits{100, 400};
+        const auto expected = edgesOf<int64_t>(dx, dy, size.width, size.height, limits, false);
+        int32_t bytes = 0;
+        ASSERT_EQ(okpiCannyGetSize(size, &bytes), okpStatusOk);
+        std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
+        const CacheStandIn caches[] = {
+            {.bytes = pixels + 1}, {.bytes = pixels}, {.status = okpStatusBadArgument, .bytes = 0}};
+        for (const CacheStandIn& cache : caches) {
+            cacheStandIn = cache;
+            GuardedImage<uint8_t> dst(size.width, size.height, {.padding = 5});
+            ASSERT_EQ(okpiCanny_16s8u_C1R(dx.data(), 2 * size.width, dy.data(), 2 * size.width, dst.data(),
+                                          dst.step(), size, limits.low, limits.high, buffer.data()),
+                      okpStatusOk);
+            EXPECT_EQ(cacheStandIn.queries, queries);
+            EXPECT_TRUE(dst.pixels() == expected) << pixels << " pixels, cache of " << cache.bytes;
+            EXPECT_TRUE(dst.paddingIntact());
+        }
+    }
 }
 
 // 65533 and more columns, in buffers that end where the query says.

@@ -137,12 +137,17 @@ TYPED_TEST(PeaksTest, ChecksInOrder) {
                           {"no capacity", okpStatusBadSize, [](A& a) { a.capacity = 0; }},
                           {"no border", okpStatusBadSize, [](A& a) { a.border = 0; }},
                           {"border beyond half the height", okpStatusBadSize, [](A& a) { a.border = 4; }},
+                          {"border beyond half the width", okpStatusBadSize,
+                           [](A& a) {
+                               a.roi = {7, 9}, a.border = 4;
+                           }},
                           {"short step", okpStatusBadStep, [](A& a) { a.step = 35; }},
                           {"odd step", okpStatusStepNotMultiple, [](A& a) { a.step = 38; }},
                           {"unknown norm", okpStatusBadArgument, [](A& a) { a.norm = 2; }},
                           {"negative norm", okpStatusBadArgument, [](A& a) { a.norm = -1; }}});
     EXPECT_EQ(find(A{src.data(), src.step(), src.roi(), 0, peaks, 4, nullptr, 0, 1, buffer}),
               okpStatusNullPointer);
+    EXPECT_EQ(count, 77);
 }
 
 TEST(Peaks, BufferSizes) {
