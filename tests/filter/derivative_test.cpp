@@ -140,6 +140,7 @@ TYPED_TEST(GradientColorToGray, ChecksArgumentsInOrder) {
         int norm = 1;
     };
     GuardedImage<T> src(5, 2, {.channels = 3}), dst(5, 2);
+    dst.fill([](int, int, int) { return 77; });
     const auto before = dst.pixels();
     expectStatusOrder<Arguments>(
         {src.data(), src.step(), dst.data(), dst.step(), src.roi()},

@@ -304,6 +304,7 @@ TYPED_TEST(FixedMask, ChecksArgumentsInOrder) {
     };
     GuardedImage<S> src(5, 2, {.padding = 4});
     GuardedImage<D> dst(5, 2, {.padding = 4});
+    dst.fill([](int, int, int) { return 77; });
     const auto before = dst.pixels();
     const GuardedMemory buffer = TypeParam::buffer(src.roi(), MaskSize5x5);
     std::vector<Fault<Arguments>> faults = {

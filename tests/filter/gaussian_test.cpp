@@ -377,6 +377,19 @@ TYPED_TEST(Gaussian, StreamsLargeDestinations) {
     }
 }
 
+TEST(GaussianStreaming, AsksAboutTheCachesFrom512KiBOn) {
+    const Areas areas(3, 1, BorderReplicate, DataType8u, 1, 1024);
+    const std::vector<uint8_t> src(1024 * 512);
+    std::vector<uint8_t> dst(src.size());
+    for (const int width : {1023, 1024}) {
+        cacheStandIn = CacheStandIn{};
+        ASSERT_EQ(okpiFilterGaussian_8u_C1R(src.data(), 1024, dst.data(), 1024, {width, 512}, BorderReplicate,
+                                            0, areas.specData(), areas.bufferData()),
+                  okpStatusOk);
+        EXPECT_EQ(cacheStandIn.queries, width == 1024 ? 1 : 0);
+    }
+}
+
 TYPED_TEST(Gaussian, GivesTheSameInStripsAndAtAnyAddress) {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -439,6 +452,7 @@ TYPED_TEST(Gaussian, ChecksArgumentsInOrder) {
     constexpr int channels = TypeParam::channels;
     using Arguments = FilterArguments<T>;
     GuardedImage<T> src(5, 4, {.channels = channels}), dst(5, 4, {.channels = channels});
+    dst.fill([](int, int, int) { return 77; });
     const std::vector<T> before = dst.pixels();
     const std::vector<T> value(3);
     const Areas areas(3, 1.0F, BorderReplicate, Traits<T>::code, channels, 5);

@@ -457,6 +457,10 @@ TEST(Pipelines, BufferSizesFollowTheirFormulas) {
         {okpiFilterColumnPipelineGetBufferSize_Low_16s_C1R, 104 * 12 + 64},
         {okpiFilterColumnPipelineGetBufferSize_Low_16s_C3R, 104 * 36 + 64},
         {okpiFilterColumnPipelineGetBufferSize_16s8s_C1R, 16 * 7 + 32},
+        {okpiFilterColumnPipelineGetBufferSize_16s8s_C3R, 16 * 7 + 32},
+        {okpiFilterColumnPipelineGetBufferSize_16s8u_C1R, 16 * 7 + 32},
+        {okpiFilterColumnPipelineGetBufferSize_16s8u_C3R, 16 * 7 + 32},
+        {okpiFilterColumnPipelineGetBufferSize_32f_C1R, 16 * 7 + 32},
         {okpiFilterColumnPipelineGetBufferSize_32f_C3R, 16 * 7 + 32},
     };
     for (const Query& query : queries) {

@@ -137,6 +137,7 @@ void expectOrder(Call call) {
     using A = Arguments<S, D>;
     GuardedImage<S> src(5, 2, {.padding = 4, .right = 1, .bottom = 1});
     GuardedImage<D> dst(5, 2, {.padding = 4});
+    dst.fill([](int, int, int) { return 77; });
     const int srcRow = 5 * static_cast<int>(sizeof(S));
     const int dstRow = 5 * static_cast<int>(sizeof(D));
     std::vector<Fault<A>> faults{
@@ -156,7 +157,7 @@ void expectOrder(Call call) {
     expectStatusOrder<A>(
         {src.data(), src.step(), dst.data(), dst.step(), dst.roi()},
         [=](const A& a) { return call(a.src, a.srcStep, a.dst, a.dstStep, a.roi, 0.5F, 0.5F); }, faults);
-    EXPECT_EQ(dst.pixels(), std::vector<D>(10));
+    EXPECT_EQ(dst.pixels(), std::vector<D>(10, D(77)));
     // A step of exactly the row's width is enough, although one more column is read.
     std::vector<S> dense(5 * 2 + 6);
     EXPECT_EQ(call(dense.data(), srcRow, dst.data(), dst.step(), RoiSize{5, 2}, 0.5F, 0.5F), okpStatusOk);

@@ -82,7 +82,7 @@ void expectOrder(Call call, int channels) {
     using A = Arguments<T>;
     const int rowBytes = 6 * channels * static_cast<int>(sizeof(T));
     GuardedImage<T> src(6, 4, {.channels = channels, .padding = 8});
-    std::vector<T> dst(64);
+    std::vector<T> dst(64, T(77));
     std::vector<Fault<A>> faults{{"null source", okpStatusNullPointer, [](A& a) { a.src = nullptr; }},
                                  {"null destination", okpStatusNullPointer, [](A& a) { a.dst = nullptr; }},
                                  {"no width", okpStatusBadSize, [](A& a) { a.roi.width = 0; }},
@@ -98,7 +98,7 @@ void expectOrder(Call call, int channels) {
     expectStatusOrder<A>(
         {src.data(), src.step(), src.roi(), dst.data(), {0, 0}, {5, 3}},
         [=](const A& a) { return call(a.src, a.step, a.roi, a.dst, a.a, a.b); }, faults);
-    EXPECT_EQ(dst, std::vector<T>(64));
+    EXPECT_EQ(dst, std::vector<T>(64, T(77)));
 }
 
 TEST(SampleLine, ChecksInOrder) {
