@@ -1477,6 +1477,9 @@ class Labeller {
         int32_t bytes = 0;
         const Status status = okpiLabelMarkersGetBufferSize_8u32s_C1R(maxSize, &bytes);
         if (!status) return status;
+        // The number that the query reports wraps where it does not fit.
+        constexpr int64_t kMostPixels = (std::numeric_limits<int32_t>::max() - 32) / 6;
+        if (int64_t{maxSize.width} * maxSize.height > kMostPixels) return Status(okpStatusSizeTooLarge);
         return Labeller(maxSize, bytes);
     }
 
