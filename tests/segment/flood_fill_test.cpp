@@ -50,10 +50,13 @@ Call<T> callOf(okpStatus (*f)(T*, int32_t, RoiSize, PixelPoint, const T*, const 
     return f;
 }
 
-#define FILL(NAME, RULE, DIAGONALS, CHANNELS)                     \
-    Fill<T> {                                                     \
-#NAME, Rule::RULE, DIAGONALS, CHANNELS, callOf < T>(NAME) \
-    }
+template <class T>
+Fill<T> makeFill(const char* name, Rule rule, bool diagonals, int channels, Call<T> call) {
+    return {name, rule, diagonals, channels, std::move(call)};
+}
+
+#define FILL(NAME, RULE, DIAGONALS, CHANNELS) \
+    makeFill<T>(#NAME, Rule::RULE, DIAGONALS, CHANNELS, callOf<T>(NAME))
 
 template <class T>
 std::vector<Fill<T>> fills();
