@@ -32,9 +32,10 @@
  * | #BorderInMemory | the caller's memory on all sides |
  *
  * Where the region is smaller than the mask it is mirrored again and again. The default constant is the
- * smallest number of the type in dilation and the largest in erosion, -FLT_MAX and FLT_MAX for floats, so that
- * infinities lose against it. The caller's memory is read as far as the mask reaches: @f$ a_x @f$ columns to
- * the left, @f$ w - 1 - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ h - 1 - a_y @f$ below.
+ * smallest number of the type in dilation and the largest in erosion, -FLT_MAX and FLT_MAX for floats, so
+ * that infinities lose against it. The caller's memory is read as far as the mask reaches: @f$ a_x @f$
+ * columns to the left, @f$ w - 1 - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ h - 1 - a_y @f$
+ * below.
  *
  * The side flags may stand in bits 8 to 11 instead of bits 4 to 7.
  *
