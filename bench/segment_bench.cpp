@@ -23,7 +23,7 @@ using bench::Case;
 using bench::Image;
 using bench::Setup;
 
-// Octaves of noise on ever finer grids, half as strong each time, and at last some noise per pixel.
+// Octaves of noise on ever finer grids, about half as strong each time, and at last some noise per pixel.
 Image<uint8_t> naturalImage(RoiSize size) {
     Image<float> sum(size);
     bench::Random random(8);
