@@ -405,13 +405,15 @@ TEST(FloodFill, StaysInABufferWhoseSizeHasWrapped) {
     ASSERT_EQ(bufferBytes(Rule::Range, roi), 64);
     Scratch scratch(64, 0);
     ConnectedComp record;
-    // A new value inside the interval would need a map; there is room for the seed's run alone.
-    ASSERT_EQ(okpiFloodFill_Range4Con_8u_C1IR(const_cast<uint8_t*>(image.data()), roi.width, roi, {3, 1000},
-                                              8, 1, 1, &record, scratch.data()),
+    // A new value inside the interval would need a map, in which this seed's bit lies just behind the buffer;
+    // there is room for the seed's run alone.
+    ASSERT_EQ(okpiFloodFill_Range4Con_8u_C1IR(const_cast<uint8_t*>(image.data()), roi.width, roi, {3, 40}, 8,
+                                              1, 1, &record, scratch.data()),
               okpStatusOk);
-    expectSame(record, {16, {8, 0, 0}, {0, 1000, 16, 1}});
-    EXPECT_EQ(image.data()[int64_t{roi.width} * 1000 + 15], 8);
-    EXPECT_EQ(image.data()[int64_t{roi.width} * 1001], 7);
+    expectSame(record, {16, {8, 0, 0}, {0, 40, 16, 1}});
+    EXPECT_TRUE(scratch.intact());
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 40 + 15], 8);
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 41], 7);
 }
 
 template <class T>
