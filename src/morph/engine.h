@@ -294,7 +294,7 @@ class Engine {
     bool haveRoomInSource() const {
         return 2 * (plan_.terms().count() + plan_.rowByRow().count()) <= sizes_.terms();
     }
-    // The plan's terms, which combine pixels only, relative to the source's pixel under the first of the mask.
+    // The plan's terms, which combine pixels only, from the source's pixel under the mask's first element on.
     void moveToSource(TermList& terms, TermList& rowByRow) const {
         terms = plan_.terms(), rowByRow = plan_.rowByRow();
         Term* to = scratch_.terms + terms.count() + rowByRow.count();
