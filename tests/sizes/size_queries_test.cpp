@@ -1,6 +1,6 @@
 // All size queries over the whole range of their arguments: whatever is asked, a query gives a size that is
-// positive and never smaller than that of a smaller region or kernel, or refuses and writes nothing. A product
-// that had wrapped would show, and under the sanitizer any overflow does.
+// positive and never smaller than that of a smaller region or kernel, or refuses and writes nothing. A
+// product that had wrapped would show, and under the sanitizer any overflow does.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -123,7 +123,8 @@ std::vector<Query> growingQueries() {
 }
 
 // Those that may need less for more: a small region that needs a copy, a region wide enough for strips, a
-// number modulo 2^32, levels that end where they become too small, and queries that raise what they are given.
+// number modulo 2^32, levels that end where they become too small, and queries that raise what they are
+// given.
 std::vector<Query> otherQueries() {
     std::vector<Query> queries = {
         MORPHOLOGY(8u_C1R),

@@ -1,5 +1,5 @@
-// Floating-point arithmetic as the definitions of operations mean it: where both operands are NaN, the first one
-// results. Compilers are free to swap the operands of a sum or a product, and with them the NaN.
+// Floating-point arithmetic as the definitions of operations mean it: where both operands are NaN, the first
+// one results. Compilers are free to swap the operands of a sum or a product, and with them the NaN.
 #pragma once
 
 #include <cmath>
