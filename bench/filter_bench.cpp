@@ -173,7 +173,7 @@ Setup rows(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int length)
         int32_t bytes = 0;
         bufferSize(size, length, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
-        const auto call = [=](auto... divisor) {
+        const auto call = [=, pointedTo = dst](auto... divisor) {
             return f(src.data(), src.step(), pointers.data(), size, kernel.values.data(), length, length / 2,
                      BorderReplicate, borderValue, divisor..., buffer.data());
         };
@@ -197,7 +197,7 @@ Setup columns(F f, okpStatus (*bufferSize)(RoiSize, int32_t, int32_t*), int leng
         int32_t bytes = 0;
         bufferSize(size, length, &bytes);
         const Image<uint8_t> buffer({bytes, 1});
-        const auto call = [=](auto... divisor) {
+        const auto call = [=, pointedTo = src](auto... divisor) {
             return f(pointers.data(), dst.data(), dst.step(), size, kernel.values.data(), length, divisor...,
                      buffer.data());
         };

@@ -34,7 +34,8 @@ bench::Work integralWork() {
             .loads = 1.5,
             .stores = 1};
 }
-// Beside squares, lanes are moved for both, in two vectors. Running sums of squares become two vectors of doubles.
+// Beside squares, lanes are moved for both, in two vectors. Running sums of squares become two vectors of
+// doubles.
 template <class D, class Q>
 bench::Work sqrIntegralWork() {
     constexpr bool kDoubles = std::is_same_v<Q, double>;

@@ -1,8 +1,8 @@
 // Benchmarks of segmentation: flood fills, labelling, speckles, segment boundaries.
 //
 // flat:    one value everywhere; every run is a row.
-// natural: a picture with structure at all scales and a camera's noise. Plain fills run on its two halves, dark
-//          and light; the others on its levels.
+// natural: a picture with structure at all scales and a camera's noise. Plain fills run on its two halves,
+//          dark and light; the others on its levels.
 // noise60, noise80, noise95, dots25: pixels set independently with that probability in percent.
 #include "okpcv/segment.h"
 
@@ -23,7 +23,7 @@ using bench::Case;
 using bench::Image;
 using bench::Setup;
 
-// Octaves of noise on ever finer grids, half as strong each time, and at last some noise per pixel.
+// Octaves of noise on ever finer grids, about half as strong each time, and at last some noise per pixel.
 Image<uint8_t> naturalImage(RoiSize size) {
     Image<float> sum(size);
     bench::Random random(8);

@@ -174,7 +174,8 @@ Setup mean(const char*, Norm3<T>* f) {
     };
 }
 
-// Of 16 bytes: two vectors of every other one are squared and added, beside the sum of absolute differences from 0.
+// Of 16 bytes: two vectors of every other one are squared and added, beside the sum of absolute differences
+// from 0.
 constexpr bench::Work kByteMoments{.elements = 16, .multiplications = 2, .others = 6, .loads = 1};
 
 // The operations that come in four forms: with and without a mask, of one channel or of one of three.

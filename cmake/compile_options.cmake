@@ -8,8 +8,8 @@ function(okpcv_common_options target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow
     $<$<BOOL:${OKPCV_WERROR}>:-Werror>)
   if(OKPCV_SANITIZE)
-    # Little optimisation, and no check that an address does not wrap, because either would double the time that
-    # the compiler takes.
+    # Little optimisation, and no check that an address does not wrap, because either would double the time
+    # that the compiler takes.
     target_compile_options(${target} PRIVATE
       -O1 -g1 -fsanitize=${OKPCV_SANITIZE} -fno-sanitize=pointer-overflow -fno-sanitize-recover=all
       -fno-omit-frame-pointer)

@@ -1,5 +1,5 @@
-# What is installed, as two components: runtime is what programs load, development is what they are built with.
-# The same components become the Debian packages.
+# What is installed, as two components: runtime is what programs load, development is what they are built
+# with. The same components become the Debian packages.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/okpcv)

@@ -114,8 +114,8 @@ void layer(F function, Data& data) {
     if (data.oneIn(8)) told.width = data.oneOf<int64_t>({0, -1, INT32_MIN, high.width + 1, INT32_MAX});
     const auto src = call.source<T>(channels);
     const auto dst = call.destination<T>(channels, {made.width - real.width, made.height - real.height});
-    // The buffer counts as defined: sums of two neighbours share a lane, and of the last pixel's neighbour, which may
-    // be anything, Valgrind does not know that it stays in its half.
+    // The buffer counts as defined: sums of two neighbours share a lane, and of the last pixel's neighbour,
+    // which may be anything, Valgrind does not know that it stays in its half.
     void* const buffer = const_cast<uint8_t*>(call.input<uint8_t>(bufferBytes));
     call(function, src, call.size(), dst, told, static_cast<const void*>(spec.begin()), buffer);
 }

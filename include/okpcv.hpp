@@ -146,6 +146,23 @@ class [[nodiscard]] Result {
     Status status_;
 };
 
+/** @cond */
+namespace detail {
+
+template <class Elements>
+using ElementOf = std::remove_reference_t<std::ranges::range_reference_t<Elements>>;
+template <class T>
+using ArrayPointer = T (*)[];
+
+// Contiguous elements of T; for a const T also elements that are not const. Pointers to arrays convert just so,
+// while those to single elements would also convert to a base.
+template <class Elements, class T>
+concept BufferOf = std::ranges::contiguous_range<Elements> &&
+    std::is_convertible_v<ArrayPointer<ElementOf<Elements>>, ArrayPointer<T>>;
+
+}  // namespace detail
+/** @endcond */
+
 /**
  * @brief An image that somebody else owns.
  *
@@ -177,10 +194,8 @@ class ImageView {
      * @param size   Size in pixels.
      * @param step   Bytes from one row to the next; by default rows lie close together.
      */
-    template <std::ranges::contiguous_range Buffer>
-    requires std::is_convertible_v < std::remove_reference_t<std::ranges::range_reference_t<Buffer>>(*)
-    [], T (*)[] >
-            constexpr ImageView(Buffer&& buffer, RoiSize size, std::optional<int32_t> step = {}) noexcept
+    template <detail::BufferOf<T> Elements>
+    constexpr ImageView(Elements&& buffer, RoiSize size, std::optional<int32_t> step = {}) noexcept
         : ImageView(std::ranges::data(buffer), size, step.value_or(tightStep(size.width))) {
         const int64_t rowBytes = int64_t{size_.width} * Channels * int64_t{sizeof(T)};
         const int64_t needed = int64_t{size_.height - 1} * step_ + rowBytes;
@@ -1477,6 +1492,9 @@ class Labeller {
         int32_t bytes = 0;
         const Status status = okpiLabelMarkersGetBufferSize_8u32s_C1R(maxSize, &bytes);
         if (!status) return status;
+        // The number that the query reports wraps where it does not fit.
+        constexpr int64_t kMostPixels = (std::numeric_limits<int32_t>::max() - 32) / 6;
+        if (int64_t{maxSize.width} * maxSize.height > kMostPixels) return Status(okpStatusSizeTooLarge);
         return Labeller(maxSize, bytes);
     }
 
@@ -1645,7 +1663,8 @@ class Pyramid {
 };
 
 /**
- * @brief The step from a level of a pyramid to its neighbour, with the areas that it needs. The kernel is the binomial one.
+ * @brief The step from a level of a pyramid to its neighbour by the binomial kernel, with the areas that it
+ * needs.
  * @tparam T         Type of the images.
  * @tparam Channels  Their channels.
  * @tparam GetSize   The C functions of the step: the size query,

@@ -4,7 +4,8 @@
 // How bytes are counted. A case declares, in bytes per pixel, what the operation cannot avoid moving:
 //   reads    sources, each byte once, however often a window looks at it;
 //   writes   destinations that are not read before: the store fetches the cache line first, so they count
-//   twice; updates  images read and written in place: they count twice, once for each direction.
+//            twice;
+//   updates  images read and written in place: they count twice, once for each direction.
 // So bytes moved = reads + 2 * (writes + updates). A memcpy of N bytes moves 3 N by the same count, so the
 // memcpy beside a case copies a third of what the case moves; both rates are bytes moved per second. Stores
 // that stream past the caches (in a kernel, or in the C library's memcpy of large blocks) fetch nothing and

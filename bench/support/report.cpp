@@ -88,37 +88,26 @@ Description describeMachine() {
             {"OpenCV", peer}};
 }
 
-const char kBoundPreface[] =
-    "\n"
-    "*Bound* is the time that the vector operations of a case take at least, where it was worked out (the\n"
-    "benchmark's source says how), on a core that starts six operations in a cycle: four on vectors of 16 "
-    "bytes, of\n"
-    "which two can be multiplications and two additions of floats, and among the rest two loads and one "
-    "store. The\n"
-    "length of a cycle is measured in the same run. *Of it* is our time over the bound.\n"
-    "\n";
-
 const char kPreface[] =
-    "Every case measures the library (ours), where there is one the same operation of OpenCV (the peer), and "
-    "a\n"
-    "memcpy, in interleaved rounds on one thread: in each round up to 8 untimed calls, then a timed batch of "
-    "at\n"
-    "least a millisecond (one call where a call is longer; without untimed calls where one takes over 50 "
-    "ms).\n"
-    "Times are medians over the rounds. The ratio is the peer's time over ours: above 1 we are faster.\n"
-    "*Results* says whether the two computed the same pixels. Images are aligned to 64 bytes, with steps "
-    "that are\n"
-    "multiples of 64, on large pages where the system gives them.\n"
-    "\n"
-    "GB/s are bytes moved per second. Counted are the bytes that the operation cannot avoid moving: every "
-    "source\n"
-    "once, destinations that are not read before twice (a store fetches its cache line first), images "
-    "updated in\n"
-    "place twice (once in, once out). The memcpy beside a case copies so many bytes that it moves as many by "
-    "the\n"
-    "same count, three for each byte copied. Stores that stream past the caches fetch nothing, in a kernel "
-    "as in\n"
-    "the C library's memcpy of large blocks, and are counted like the others.\n";
+    R"(Every case measures the library (ours), where there is one the same operation of OpenCV (the peer), and a
+memcpy, in interleaved rounds on one thread: in each round up to 8 untimed calls, then a timed batch of at
+least a millisecond (one call where a call is longer; without untimed calls where one takes over 50 ms).
+Times are medians over the rounds. The ratio is the peer's time over ours: above 1 we are faster.
+*Results* says whether the two computed the same pixels. Images are aligned to 64 bytes, with steps that are
+multiples of 64, on large pages where the system gives them.
+
+GB/s are bytes moved per second. Counted are the bytes that the operation cannot avoid moving: every source
+once, destinations that are not read before twice (a store fetches its cache line first), images updated in
+place twice (once in, once out). The memcpy beside a case copies so many bytes that it moves as many by the
+same count, three for each byte copied. Stores that stream past the caches fetch nothing, in a kernel as in
+the C library's memcpy of large blocks, and are counted like the others.
+
+*Bound* is the time that the vector operations of a case take at least, where it was worked out (the
+benchmark's source says how), on a core that starts six operations in a cycle: four on vectors of 16 bytes, of
+which two can be multiplications and two additions of floats, and among the rest two loads and one store. The
+length of a cycle is measured in the same run. *Of it* is our time over the bound.
+
+)";
 
 void writeTable(std::ostream& out, const std::vector<const Result*>& results, bool small) {
     const char* unit = small ? "ns/call" : "ns/px";
@@ -234,7 +223,7 @@ void writeMarkdown(std::ostream& out, const Description& machine,
     out << "# Performance\n\n";
     for (const auto& [what, value] : machine) out << "- " << what << ": " << value << "\n";
     out << "\n"
-        << kPreface << kBoundPreface << "## Summary\n\n"
+        << kPreface << "## Summary\n\n"
         << "| family | cases | compared | smallest ratio | median ratio | below 1 | differing | failed |\n"
         << "|---|--:|--:|--:|--:|--:|--:|--:|\n";
     for (const auto& [family, results] : families) {

@@ -196,8 +196,8 @@ class Call {
         return image;
     }
 
-    // Memory that is not an image: values to read, and places for results, buffers and specs. Values are aligned as
-    // their type is; bytes, as pixels, are not.
+    // Memory that is not an image: values to read, and places for results, buffers and specs. Values are
+    // aligned as their type is; bytes, as pixels, are not.
     template <class T>
     const T* input(int64_t count) {
         Block& block = blocks_.emplace_back(data_, count * int64_t{sizeof(T)}, alignof(T));

@@ -38,7 +38,7 @@
  *         - #okpStatusNullPointer: @p pMetrics is null;
  *         - #okpStatusBadSize: @p maskType / 10 neither 3 nor 5;
  *         - #okpStatusOutOfRange: @p maskType below 30 or above 52, which the checks before leave no room
- * for.
+ *           for.
  */
 OKPCV_API okpStatus okpiGetDistanceTransformMask(int32_t maskType, float* pMetrics);
 

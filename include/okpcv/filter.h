@@ -22,7 +22,7 @@
  *
  * The kernels are not flipped. All arithmetic is IEEE single precision, one rounding per operation, terms
  * added in kernel order beginning with zero; results are the same bit for bit at every width, step and
- * alignment. Where NaNs meet, which of them results is not defined.
+ * alignment, NaNs included.
  *
  * - Integer kernels carry a divisor, which applies to both passes: the pair 1 2 1 / 1 2 1 is normalised by
  *   the divisor 4. Products of coefficients and pixels are exact before they are rounded to single precision.
@@ -977,8 +977,8 @@ OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C3R(RoiSize roiSiz
  * Integer images are filtered in exact integer arithmetic, and the row pass's results have the pixels' type
  * too; rounded coefficients need not sum to exactly 1. Float images are filtered in single precision: the
  * centre's product first, then from the centre outwards each product of a coefficient and the sum of the two
- * elements that share it. Results are the same bit for bit at every width, step and alignment. Where NaNs
- * meet, which of them results is not defined.
+ * elements that share it. Results are the same bit for bit at every width, step and alignment, NaNs
+ * included.
  *
  * Rows of a constant border stand between the passes as @f$ C(v \sum k_i) @f$ of the border value @f$ v @f$.
  *
@@ -1369,8 +1369,9 @@ OKPCV_API okpStatus okpiGenSobelKernel_32f(float* pKernel, int32_t kernelSize, i
  * | 2 | @f$ \sqrt{(a^2 + b^2 + c^2) / 3} @f$ to nearest, ties to even | the same, not rounded to integers |
  *
  * For norm 2 the sum of squares, exact for integers, is rounded to single precision, multiplied by
- * 0.33333334 and its root taken in single precision. 16-bit images use the formulas of 8-bit ones. Where a
- * maximum meets NaN, the result is not defined.
+ * 0.33333334 and its root taken in single precision. 16-bit images use the formulas of 8-bit ones. The
+ * maximum of floats is @f$ m = a > b \; ? \; a : b @f$, then @f$ m > c \; ? \; m : c @f$, also where NaNs
+ * are among them.
  *
  * @param[in]  pSrc    First pixel of the source's region.
  * @param[in]  srcStep Bytes from one source row to the next.

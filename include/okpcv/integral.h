@@ -95,7 +95,7 @@ OKPCV_API okpStatus okpiIntegral_32f_C1R(const float* pSrc, int32_t srcStep, flo
  * @param[out] pDst    Integral image, (width + 1) x (height + 1) elements; must not overlap the source.
  * @param[in]  dstStep Step of the integral image in bytes.
  * @param[out] pSqr    Squared integral image, (width + 1) x (height + 1) elements; must not overlap the
- * source.
+ *                     source.
  * @param[in]  sqrStep Step of the squared integral image in bytes.
  * @param[in]  roiSize Size of the source in pixels.
  * @param[in]  val     Offset of the integral image; any value.
@@ -104,7 +104,7 @@ OKPCV_API okpStatus okpiIntegral_32f_C1R(const float* pSrc, int32_t srcStep, flo
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
  *         - #okpStatusBadStep: the step of the source below its width in bytes, or that of a destination
- * below (width + 1) times its element size;
+ *           below (width + 1) times its element size;
  *         - #okpStatusStepNotMultiple: the step of a destination is no multiple of its element size.
  */
 OKPCV_API okpStatus okpiSqrIntegral_8u32s_C1R(const uint8_t* pSrc, int32_t srcStep, int32_t* pDst,
@@ -135,8 +135,7 @@ OKPCV_API okpStatus okpiSqrIntegral_8u32f64f_C1R(const uint8_t* pSrc, int32_t sr
  *
  * The step that normalises the windows of a detector. For destination pixel @f$ (j, i) @f$ the window covers
  * the source pixels with @f$ j + x \le column < j + x + width @f$ and @f$ i + y \le row < i + y + height @f$,
- * where
- * @f$ x, y, width, height @f$ are those of the rectangle. With the elements
+ * where @f$ x, y, width, height @f$ are those of the rectangle. With the elements
  * @f$ A = I(j + x, i + y), B = I(j + x + width, i + y), C = I(j + x, i + y + height),
  * D = I(j + x + width, i + y + height) @f$ of the integral image its sum is @f$ s = D - B - C + A @f$; the
  * sum of squares @f$ t @f$ is the same of the squared integral image. The offsets of the integral images
@@ -172,7 +171,7 @@ OKPCV_API okpStatus okpiSqrIntegral_8u32f64f_C1R(const uint8_t* pSrc, int32_t sr
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height of the region below 1;
  *         - #okpStatusBadStep: the step of an integral image below `rect.x + rect.width + roiSize.width`
- * times its element size, or that of the destination below 4 * width;
+ *           times its element size, or that of the destination below 4 * width;
  *         - #okpStatusStepNotMultiple: a step that is no multiple of its image's element size;
  *         - #okpStatusBadSize: `rect.x` or `rect.y` below 0, or `rect.width` or `rect.height` below 1.
  */
@@ -202,7 +201,7 @@ OKPCV_API okpStatus okpiRectStdDev_32s32f_C1R(const int32_t* pSrc, int32_t srcSt
  * @param[in]  srcStep     Step of the integral image in bytes.
  * @param[in]  pSqr        Squared integral image.
  * @param[in]  sqrStep     Step of the squared integral image in bytes.
- * @param[out] pDst        Destination.
+ * @param[out] pDst        Destination; must not overlap the integral images.
  * @param[in]  dstStep     Step of the destination in bytes.
  * @param[in]  roiSize     Size of the destination in pixels.
  * @param[in]  rect        The window, relative to the pixel.

@@ -32,9 +32,10 @@
  * | #BorderInMemory | the caller's memory on all sides |
  *
  * Where the region is smaller than the mask it is mirrored again and again. The default constant is the
- * smallest number of the type in dilation and the largest in erosion, -FLT_MAX and FLT_MAX for floats, so that
- * infinities lose against it. The caller's memory is read as far as the mask reaches: @f$ a_x @f$ columns to
- * the left, @f$ w - 1 - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ h - 1 - a_y @f$ below.
+ * smallest number of the type in dilation and the largest in erosion, -FLT_MAX and FLT_MAX for floats, so
+ * that infinities lose against it. The caller's memory is read as far as the mask reaches: @f$ a_x @f$
+ * columns to the left, @f$ w - 1 - a_x @f$ to the right, @f$ a_y @f$ rows above and @f$ h - 1 - a_y @f$
+ * below.
  *
  * The side flags may stand in bits 8 to 11 instead of bits 4 to 7.
  *
@@ -145,7 +146,7 @@ OKPCV_API okpStatus okpiMorphologyBorderGetSize_1u_C1R(RoiSize roiSize, RoiSize 
  *
  * @param[in]  roiSize  Size of the region in pixels; operations may work on smaller ones.
  * @param[in]  pMask    Mask: maskSize.width x maskSize.height bytes, row after row without padding; an
- * element takes part when it is not zero.
+ *                      element takes part when it is not zero.
  * @param[in]  maskSize Size of the mask in elements.
  * @param[out] pSpec    Spec.
  * @param[in]  pBuffer  Buffer; not used, but must not be null.
@@ -235,7 +236,7 @@ OKPCV_API okpStatus okpiMorphologyBorderInit_1u_C1R(RoiSize roiSize, const uint8
  *           byte only);
  *         - #okpStatusBadBorder: @p border is above 4095, or of none of the kinds listed;
  *         - #okpStatusNullPointer: the border is constant and the address of its value (three and four
- * channels) is null;
+ *           channels) is null;
  *         - #okpStatusInPlaceNotSupported: pSrc and pDst are equal.
  */
 OKPCV_API okpStatus okpiDilateBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
@@ -341,7 +342,7 @@ OKPCV_API okpStatus okpiDilateBorder_1u_C1R(const uint8_t* pSrc, int32_t srcStep
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  border       Border, see @ref morphology.
  * @param[in]  pBorderValue Address of the value outside the region, one for each channel; read for
- * #BorderConstant only.
+ *                          #BorderConstant only.
  * @param[in]  pSpec        Spec of the mask.
  * @param[in]  pBuffer      Buffer.
  * @return #okpStatusOk, or the first of
@@ -432,7 +433,7 @@ OKPCV_API okpStatus okpiDilate_32f_C4R_L(const float* pSrc, int64_t srcStep, flo
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  border       Border, see @ref morphology.
  * @param[in]  pBorderValue Address of the value outside the region; not 0 counts as 1; read for
- * #BorderConstant only.
+ *                          #BorderConstant only.
  * @param[in]  pSpec        Spec of the mask.
  * @param[in]  pBuffer      Buffer.
  * @return #okpStatusOk, or the first of
@@ -473,7 +474,7 @@ OKPCV_API okpStatus okpiDilate_1u_C1R_L(const uint8_t* pSrc, int64_t srcStep, in
  *           byte only);
  *         - #okpStatusBadBorder: @p border is above 4095, or of none of the kinds listed;
  *         - #okpStatusNullPointer: the border is constant and the address of its value (three and four
- * channels) is null;
+ *           channels) is null;
  *         - #okpStatusInPlaceNotSupported: pSrc and pDst are equal.
  */
 OKPCV_API okpStatus okpiErodeBorder_8u_C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
@@ -579,7 +580,7 @@ OKPCV_API okpStatus okpiErodeBorder_1u_C1R(const uint8_t* pSrc, int32_t srcStep,
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  border       Border, see @ref morphology.
  * @param[in]  pBorderValue Address of the value outside the region, one for each channel; read for
- * #BorderConstant only.
+ *                          #BorderConstant only.
  * @param[in]  pSpec        Spec of the mask.
  * @param[in]  pBuffer      Buffer.
  * @return #okpStatusOk, or the first of
@@ -670,7 +671,7 @@ OKPCV_API okpStatus okpiErode_32f_C4R_L(const float* pSrc, int64_t srcStep, floa
  * @param[in]  roiSize      Size of the region in pixels.
  * @param[in]  border       Border, see @ref morphology.
  * @param[in]  pBorderValue Address of the value outside the region; not 0 counts as 1; read for
- * #BorderConstant only.
+ *                          #BorderConstant only.
  * @param[in]  pSpec        Spec of the mask.
  * @param[in]  pBuffer      Buffer.
  * @return #okpStatusOk, or the first of
@@ -723,7 +724,7 @@ OKPCV_API okpStatus okpiErodeGetSpecSize_L(RoiSizeL roiSize, RoiSizeL maskSize, 
  *         - #okpStatusBadDataType: another type;
  *         - #okpStatusBadNumChannels: another number of channels;
  *         - #okpStatusSizeTooLarge: the mask has more than 2147483647 elements, or the size does not fit 64
- * bits.
+ *           bits.
  */
 OKPCV_API okpStatus okpiErodeGetBufferSize_L(RoiSizeL roiSize, RoiSizeL maskSize, DataTypeCode dataType,
                                              int32_t numChannels, int64_t* pBufferSize);
@@ -733,7 +734,7 @@ OKPCV_API okpStatus okpiErodeGetBufferSize_L(RoiSizeL roiSize, RoiSizeL maskSize
  *
  * @param[in]  roiSize  Size of the region in pixels; operations may work on smaller ones.
  * @param[in]  pMask    Mask: maskSize.width x maskSize.height bytes, row after row without padding; an
- * element takes part when it is not zero.
+ *                      element takes part when it is not zero.
  * @param[in]  maskSize Size of the mask in elements.
  * @param[out] pSpec    Spec.
  * @return #okpStatusOk, or the first of

@@ -206,9 +206,8 @@ OKPCV_API okpStatus okpiPyramidInit_L(PyramidRecordL** pyramid, int32_t level, R
  * - @f$ C @f$ stores floats unchanged. For integer types it adds 0.5, rounds down and clamps to the type: it
  *   rounds half up.
  *
- * So results are the same bit for bit at every alignment, step and width of memory. With the binomial kernel
- * 1 4 6 4 1 and rate 2, all values of 8- and 16-bit images are exact before they are rounded. Where NaNs
- * meet, which of them results is not defined.
+ * So results are the same bit for bit at every alignment, step and width of memory, NaNs included. With the
+ * binomial kernel 1 4 6 4 1 and rate 2, all values of 8- and 16-bit images are exact before they are rounded.
  *
  * Smooth images come back: where the second differences of an 8-bit image stay below about a quarter, Up of
  * Down with the binomial kernel at rate 2 differs from it by 1 at most. Across the edges it must be level:

@@ -30,10 +30,9 @@
 
 /** @brief Record of a filled region. */
 typedef struct ConnectedComp {
-    double area; /**< Number of pixels. */
-    double
-        value[3]; /**< The value written, channel by channel; 0 for channels that the image does not have. */
-    PixelRect rect; /**< Bounding box, relative to the region of interest. */
+    double area;     /**< Number of pixels. */
+    double value[3]; /**< The value written, by channel; 0 where the image has no such channel. */
+    PixelRect rect;  /**< Bounding box, relative to the region of interest. */
 } ConnectedComp;
 
 /**
@@ -88,7 +87,7 @@ OKPCV_API okpStatus okpiFloodFillGetSize_Grad(RoiSize roiSize, int32_t* pBufferS
  * @param[in]     newVal    Value to write.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -113,7 +112,7 @@ OKPCV_API okpStatus okpiFloodFill_4Con_8u_C1IR(uint8_t* pImage, int32_t imageSte
  * @param[in]     newVal    Value to write, a pointer to three values.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -250,7 +249,7 @@ OKPCV_API okpStatus okpiFloodFill_8Con_32f_C3IR(float* pImage, int32_t imageStep
  * @param[in]     maxDelta  How far above a pixel may lie.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -278,7 +277,7 @@ OKPCV_API okpStatus okpiFloodFill_Range4Con_8u_C1IR(uint8_t* pImage, int32_t ima
  * @param[in]     maxDelta  How far above a pixel may lie; a pointer to three values.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -419,7 +418,7 @@ OKPCV_API okpStatus okpiFloodFill_Range8Con_32f_C3IR(float* pImage, int32_t imag
  * @param[in]     maxDelta  How far above a pixel may lie.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize_Grad() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -447,7 +446,7 @@ OKPCV_API okpStatus okpiFloodFill_Grad4Con_8u_C1IR(uint8_t* pImage, int32_t imag
  * @param[in]     maxDelta  How far above a pixel may lie; a pointer to three values.
  * @param[out]    pRegion   Receives the record of the filled region.
  * @param[in]     pBuffer   Buffer of the bytes that okpiFloodFillGetSize_Grad() reports; must not overlap the
- * image.
+ *                          image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -560,19 +559,29 @@ OKPCV_API okpStatus okpiFloodFill_Grad8Con_32f_C3IR(float* pImage, int32_t image
 /**
  * @brief Size of the buffer of okpiLabelMarkers_8u_C1IR().
  *
- * @copydetails okpiFloodFillGetSize
+ * @f[ bytes = 6 \, width \, height + 32 @f]
+ *
+ * computed modulo @f$ 2^{32} @f$, as okpiFloodFillGetSize() does: from 357913936 pixels on the number reads as
+ * negative (as an unsigned number it is right), and from 715827878 pixels on it wraps and is too small. No call
+ * exceeds the bytes of the wrapped number, but with so few a group may be labelled as several.
+ *
+ * @param[in]  roiSize     Size of the region in pixels.
+ * @param[out] pBufferSize Receives the bytes.
+ * @return #okpStatusOk, or the first of
+ *         - #okpStatusNullPointer: the pointer is null;
+ *         - #okpStatusBadSize: width or height below 1.
  */
 OKPCV_API okpStatus okpiLabelMarkersGetBufferSize_8u_C1R(RoiSize roiSize, int32_t* pBufferSize);
 
 /**
  * @brief Size of the buffer of okpiLabelMarkers_16u_C1IR().
- * @copydetails okpiFloodFillGetSize
+ * @copydetails okpiLabelMarkersGetBufferSize_8u_C1R
  */
 OKPCV_API okpStatus okpiLabelMarkersGetBufferSize_16u_C1R(RoiSize roiSize, int32_t* pBufferSize);
 
 /**
  * @brief Size of the buffer of okpiLabelMarkers_8u32s_C1R().
- * @copydetails okpiFloodFillGetSize
+ * @copydetails okpiLabelMarkersGetBufferSize_8u_C1R
  */
 OKPCV_API okpStatus okpiLabelMarkersGetBufferSize_8u32s_C1R(RoiSize roiSize, int32_t* pBufferSize);
 
@@ -592,11 +601,11 @@ OKPCV_API okpStatus okpiLabelMarkersGetBufferSize_8u32s_C1R(RoiSize roiSize, int
  * @param[in]     roiSize    Size of the region in pixels.
  * @param[in]     minLabel   First label, at least 1.
  * @param[in]     maxLabel   Last label, at least `minLabel` and at most 254 (65534 for 16u, 2147483646 for
- * 32s).
+ *                           32s).
  * @param[in]     norm       0: groups are connected through all eight neighbours; 1: through four.
  * @param[out]    pNumber    Receives the number of groups.
  * @param[in]     pBuffer    Buffer of the bytes that the size query reports, at any address; must not overlap
- * an image.
+ *                           an image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -632,7 +641,7 @@ OKPCV_API okpStatus okpiLabelMarkers_16u_C1IR(uint16_t* pMarker, int32_t markerS
  * @param[in]  norm     0: groups are connected through all eight neighbours; 1: through four.
  * @param[out] pNumber  Receives the number of groups.
  * @param[in]  pBuffer  Buffer of the bytes that the size query reports, at any address; must not overlap an
- * image.
+ *                      image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -698,7 +707,7 @@ OKPCV_API okpStatus okpiMarkSpecklesGetBufferSize(RoiSize roiSize, DataTypeCode 
  * @param[in]     maxPixDiff     Largest difference of joined neighbours.
  * @param[in]     norm           #NormInf.
  * @param[in]     pBuffer        Buffer of the bytes that okpiMarkSpecklesGetBufferSize() reports, at any
- * address; must not overlap the image.
+ *                               address; must not overlap the image.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: a pointer is null;
  *         - #okpStatusBadSize: width or height below 1;
@@ -759,7 +768,7 @@ OKPCV_API okpStatus okpiMarkSpeckles_32f_C1IR(float* pSrcDst, int32_t srcDstStep
  * @param[in]     roiSize    Size of the region in pixels.
  * @param[in]     val        Value of the boundaries.
  * @param[in]     norm       0: eight neighbours count, of which four are earlier; 1: four, of which two are
- * earlier.
+ *                           earlier.
  * @return #okpStatusOk, or the first of
  *         - #okpStatusNullPointer: the pointer is null;
  *         - #okpStatusBadSize: width or height below 1;

@@ -42,7 +42,7 @@ template <class S>
 OKPCV_INLINE Floats<S> product(Vec<S> a, Vec<S> b) {
     Floats<S> x = toFloats(a);
     const Floats<S> y = toFloats(b);
-    for (int i = 0; i < Floats<S>::kCount; ++i) multiply(x.part[i], y.part[i]);
+    for (int i = 0; i < Floats<S>::kCount; ++i) x.part[i] = x.part[i] * y.part[i];
     return x;
 }
 OKPCV_INLINE Floats<uint8_t> product(Vec<uint8_t> a, Vec<uint8_t> b) {
@@ -68,9 +68,7 @@ template <class S, class Extent>
 OKPCV_INLINE void addTo(float* d, Floats<S> terms, Extent extent) {
     for (int i = 0; i < Floats<S>::kCount; ++i) {
         const auto rest = extent.from(i * kLanes);
-        Vec<float> sum = load(d + i * kLanes, rest);
-        accumulate(sum, terms.part[i]);
-        store(d + i * kLanes, sum, rest);
+        store(d + i * kLanes, load(d + i * kLanes, rest) + terms.part[i], rest);
     }
 }
 
@@ -168,18 +166,6 @@ okpStatus addProductMasked(Image<const S> src1, Image<const S> src2, Image<const
     return okpStatusOk;
 }
 
-// (a - b) * w, the change that AddWeighted adds to b, and the sum.
-OKPCV_INLINE Vec<float> change(Vec<float> a, Vec<float> b, Vec<float> w) {
-    Vec<float> product = a - b;
-    multiply(product, w);
-    return product;
-}
-OKPCV_INLINE Vec<float> changed(Vec<float> a, Vec<float> b, Vec<float> w) {
-    Vec<float> sum = change(a, b, w);
-    accumulate(sum, b);
-    return sum;
-}
-
 // AddWeighted in place.
 template <class S>
 okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, float weight) {
@@ -190,7 +176,7 @@ okpStatus addWeighted(Image<const S> src, Image<float> dst, RoiSize roiSize, flo
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s) {
         const Vec<float> before = inRegister(load(d, extent));
-        store(d, changed(loadAs<float>(s, extent), before, w), extent);
+        store(d, (loadAs<float>(s, extent) - before) * w + before, extent);
     };
     mapRows<kLanes, kFetchBeside<S>>(size, kernel, dst, src);
     return okpStatusOk;
@@ -210,10 +196,8 @@ okpStatus addWeightedMasked(Image<const S> src, Image<const uint8_t> mask, Image
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* d, const S* s, const uint8_t* m) {
         const Vec<float> before = inRegister(load(d, extent));
-        Vec<float> sum = change(loadAs<float>(s, extent), before, w);
-        sum = andNot(sum, unselected<float>(m, extent));
-        accumulate(sum, before);
-        store(d, sum, extent);
+        const Vec<float> change = (loadAs<float>(s, extent) - before) * w;
+        store(d, andNot(change, unselected<float>(m, extent)) + before, extent);
     };
     accumulateRows<kLanes>(storesFor(streamedBytesPerPixel, roiSize), size, kernel, dst, src, mask);
     return okpStatusOk;
@@ -303,7 +287,7 @@ okpStatus okpiAddWeighted_32f_C1R(const float* pSrc1, int32_t src1Step, const fl
 
     const auto kernel = [w = broadcast(weight)](auto extent, float* out, const float* a, const float* b) {
         const Vec<float> second = load(b, extent);
-        store(out, changed(load(a, extent), second, w), extent);
+        store(out, (load(a, extent) - second) * w + second, extent);
     };
     mapRows<kLanes>(size, kernel, dst, src1, src2);
     return okpStatusOk;

@@ -274,6 +274,14 @@ OKPCV_INLINE Vec<T> inRegister(Vec<T> v) {
     return v;
 }
 
+// The same address, as one from which nothing has been loaded yet: left to themselves, compilers keep what
+// they have loaded until it is used again, with copies and spilled registers where another load costs less.
+template <class T>
+OKPCV_INLINE const T* unseen(const T* p) {
+    __asm__("" : "+r"(p));
+    return p;
+}
+
 // Half a vector from each of two addresses.
 template <class T>
 OKPCV_INLINE Vec<T> loadHalves(const T* low, const T* high) {
@@ -490,10 +498,13 @@ OKPCV_INLINE bool anyBit(Vec<T> v) {
 
 // ---- Arithmetic -----------------------------------------------------------------------------------------
 
+// Where both operands are NaN the first one results. Sums and products of floats are written as instructions for
+// that, since compilers take their operands in either order, here so and there so; of doubles it is left open.
 template <class T>
 OKPCV_INLINE Vec<T> operator+(Vec<T> a, Vec<T> b) {
     if constexpr (kIsFloat<T>) {
-        return {_mm_add_ps(a.raw, b.raw)};
+        __asm__("addps %1, %0" : "+x"(a.raw) : "x"(b.raw));
+        return a;
     } else if constexpr (kIsDouble<T>) {
         return {_mm_add_pd(a.raw, b.raw)};
     } else if constexpr (sizeof(T) == 1) {
@@ -526,7 +537,8 @@ OKPCV_INLINE Vec<T> operator-(Vec<T> a, Vec<T> b) {
 template <class T>
 OKPCV_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
     if constexpr (kIsFloat<T>) {
-        return {_mm_mul_ps(a.raw, b.raw)};
+        __asm__("mulps %1, %0" : "+x"(a.raw) : "x"(b.raw));
+        return a;
     } else if constexpr (kIsDouble<T>) {
         return {_mm_mul_pd(a.raw, b.raw)};
     } else if constexpr (sizeof(T) == 2) {
@@ -535,6 +547,11 @@ OKPCV_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
         static_assert(sizeof(T) == 4);
         return {_mm_mullo_epi32(a.raw, b.raw)};
     }
+}
+// a times the vector at p, an address that is a multiple of kVectorBytes: the instruction takes it from there.
+OKPCV_INLINE Vec<float> timesAligned(Vec<float> a, const float* p) {
+    __asm__("mulps %1, %0" : "+x"(a.raw) : "m"(*reinterpret_cast<const __m128*>(p)));
+    return a;
 }
 template <class T>
 OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
@@ -546,21 +563,17 @@ OKPCV_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
     }
 }
 
-// sum += term, in the register of the sum, whose NaN stays where both are NaN. Left to themselves, compilers add
-// into the register of the term as often, here so and there so, and finish one sum before they begin the next:
-// copies, and additions that wait for each other, where several sums should advance side by side.
+// sum += term, in the register of the sum. Left to themselves, compilers add into the register of the term as
+// often, and finish one sum before they begin the next: copies, and additions that wait for each other, where
+// several sums should advance side by side.
 OKPCV_INLINE void accumulate(Vec<float>& sum, Vec<float> term) {
-    __asm__("addps %1, %0" : "+x"(sum.raw) : "x"(term.raw));
+    sum = sum + term;
 }
 OKPCV_INLINE void accumulate(Vec<int32_t>& sum, Vec<int32_t> term) {
     __asm__("paddd %1, %0" : "+x"(sum.raw) : "x"(term.raw));
 }
 OKPCV_INLINE void accumulate(Vec<int16_t>& sum, Vec<int16_t> term) {
     __asm__("paddw %1, %0" : "+x"(sum.raw) : "x"(term.raw));
-}
-// product *= factor, where the product's NaN stays likewise.
-OKPCV_INLINE void multiply(Vec<float>& product, Vec<float> factor) {
-    __asm__("mulps %1, %0" : "+x"(product.raw) : "x"(factor.raw));
 }
 
 // a < b ? a : b, so b where the lanes are unordered or equal.

@@ -19,6 +19,7 @@ OKPCV_INLINE void streamRows(const Image<D>& out, const float* const* rows, int6
     constexpr int lanes = Vec<float>::lanes;
     constexpr int pending = Length - 1;
     constexpr int products = Symmetric ? (Length + 1) / 2 : Length;
+    constexpr bool inMemory = Length > 9;  // coefficients; fewer find room in registers
     Vec<float> sum[Vectors][Rows + pending];
     const auto place = [](int v, int r) OKPCV_INLINE_LAMBDA { return (r * Vectors + v) * lanes; };
     unrolled<pending>([&](auto r) OKPCV_INLINE_LAMBDA {
@@ -29,7 +30,8 @@ OKPCV_INLINE void streamRows(const Image<D>& out, const float* const* rows, int6
         unrolled<Vectors>([&](auto v) OKPCV_INLINE_LAMBDA {
             const Vec<float> in = load(rows[m] + x + v * lanes, extent);
             unrolled<products>([&](auto j) OKPCV_INLINE_LAMBDA {
-                const Vec<float> product = in * load(table + j * lanes);
+                const float* const coefficient = table + j * lanes;
+                const Vec<float> product = inMemory ? timesAligned(in, coefficient) : in * load(coefficient);
                 constexpr int newest = m + pending - j;
                 constexpr int mirrored = m + j;
                 if constexpr (Symmetric && mirrored != newest) accumulate(sum[v][mirrored], product);

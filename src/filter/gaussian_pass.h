@@ -670,55 +670,55 @@ class FoldedTaps {
         constexpr int lanes = Vec<float>::lanes;
         const int64_t half = Length != 0 ? Length / 2 : half_;
         const Vec<float> middle = coefficients(0);
-        for (int v = 0; v < V; ++v) acc[v] = middle * load(tap(half) + v * lanes, extent);
+        for (int v = 0; v < V; ++v) acc[v] = load(tap(half) + v * lanes, extent) * middle;
         for (int64_t i = 1; i <= half; ++i) {
             const Vec<float> k = coefficients(i);
             const float* const a = tap(half - i);
             const float* const b = tap(half + i);
             for (int v = 0; v < V; ++v) {
-                accumulate(acc[v], k * (load(a + v * lanes, extent) + load(b + v * lanes, extent)));
+                accumulate(acc[v], (load(a + v * lanes, extent) + load(b + v * lanes, extent)) * k);
             }
         }
     }
 
-    // The sums of two outputs, of which the second sees at tap i what the first sees at tap i + 1. On either
-    // side, what an output sees at a tap the other has seen at the tap before.
+    // The sums of two outputs, of which the second sees at tap i what the first sees at tap i + 1. Behind the
+    // centre, what the first sees at a tap the second has seen at the tap before. In front of it elements are
+    // loaded for either: a sum overwrites its first element.
     template <int V, class Tap, class Extent>
     OKPCV_INLINE void sums(Vec<float> (&first)[V], Vec<float> (&second)[V], const Tap& tap,
                            Extent extent) const {
         constexpr int lanes = Vec<float>::lanes;
         const int64_t half = Length != 0 ? Length / 2 : half_;
         const Vec<float> middle = coefficients(0);
-        Vec<float> before[V], behind[V];  // the first output's centre and the second's, then outwards
+        const float* inner = tap(half);
+        Vec<float> behind[V];
         for (int v = 0; v < V; ++v) {
-            before[v] = load(tap(half) + v * lanes, extent);
             behind[v] = load(tap(half + 1) + v * lanes, extent);
-            first[v] = middle * before[v];
-            second[v] = middle * behind[v];
+            first[v] = load(inner + v * lanes, extent) * middle;
+            second[v] = behind[v] * middle;
         }
         for (int64_t i = 1; i <= half; ++i) {
             const Vec<float> k = coefficients(i);
-            const float* const a = tap(half - i);
+            const float* const outer = tap(half - i);
             const float* const b = tap(half + 1 + i);
+            inner = unseen(inner);
             for (int v = 0; v < V; ++v) {
-                const Vec<float> nextBefore = load(a + v * lanes, extent);
-                const Vec<float> nextBehind = load(b + v * lanes, extent);
-                accumulate(first[v], k * (nextBefore + behind[v]));
-                accumulate(second[v], k * (before[v] + nextBehind));
-                before[v] = nextBefore;
-                behind[v] = nextBehind;
+                accumulate(first[v], (load(outer + v * lanes, extent) + behind[v]) * k);
+                behind[v] = load(b + v * lanes, extent);
+                accumulate(second[v], (load(inner + v * lanes, extent) + behind[v]) * k);
             }
+            inner = outer;
         }
     }
     // One output's sum of elements in registers, of which element(i) is what tap i sees.
     template <class Element>
     OKPCV_INLINE Vec<float> sum(const Element& element) const {
         constexpr int half = Length / 2;
-        Vec<float> acc = coefficients(0) * element(std::integral_constant<int, half>{});
+        Vec<float> acc = element(std::integral_constant<int, half>{}) * coefficients(0);
         unrolled<half>([&](auto i) OKPCV_INLINE_LAMBDA {
             const Vec<float> a = element(std::integral_constant<int, half - 1 - i>{});
             const Vec<float> b = element(std::integral_constant<int, half + 1 + i>{});
-            accumulate(acc, coefficients(i + 1) * (a + b));
+            accumulate(acc, (a + b) * coefficients(i + 1));
         });
         return acc;
     }
@@ -779,7 +779,7 @@ struct FoldedColumnPass {
                         computeRows<block.vectors>(taps, dst, x, 0, outRows, rows, extent);
                     } else {
                         // As many vectors as fit in registers.
-                        constexpr int most = fixed == 3 ? 4 : 2;
+                        constexpr int most = fixed == 0 || fixed == 3 ? 4 : 2;
                         constexpr int vectors = block.vectors < most ? block.vectors : most;
                         for (int v = 0; v < block.vectors; v += vectors) {
                             if constexpr (fixed >= 3 && fixed <= 7) {

@@ -54,10 +54,10 @@ class FixedTaps {
     template <int V, class Tap, class Extent>
     OKPCV_INLINE void sum(Vec<float> (&acc)[V], const Tap& tap, Extent extent) const {
         constexpr int lanes = Vec<float>::lanes;
-        for (int v = 0; v < V; ++v) acc[v] = c_[0] * loadAs<float>(tap(0) + v * lanes, extent);
+        for (int v = 0; v < V; ++v) acc[v] = loadAs<float>(tap(0) + v * lanes, extent) * c_[0];
         for (int i = 1; i < Length; ++i) {
             for (int v = 0; v < V; ++v) {
-                accumulate(acc[v], c_[i] * loadAs<float>(tap(i) + v * lanes, extent));
+                accumulate(acc[v], loadAs<float>(tap(i) + v * lanes, extent) * c_[i]);
             }
         }
     }
@@ -79,7 +79,7 @@ class AnyTaps {
     OKPCV_INLINE void sum(Vec<float> (&acc)[V], const Tap& tap, Extent extent) const {
         constexpr int lanes = Vec<float>::lanes;
         const Vec<float> first = broadcast(static_cast<float>(coefficient(kernel_, 0)));
-        for (int v = 0; v < V; ++v) acc[v] = first * loadAs<float>(tap(0) + v * lanes, extent);
+        for (int v = 0; v < V; ++v) acc[v] = loadAs<float>(tap(0) + v * lanes, extent) * first;
         int64_t i = 1;
         for (; i + 4 <= length_; i += 4) {
             const Vec<float> c = loadAs<float>(kernel_ + i);
@@ -97,7 +97,7 @@ class AnyTaps {
     template <int V, class T, class Extent>
     static OKPCV_INLINE void add(Vec<float> (&acc)[V], Vec<float> c, const T* p, Extent extent) {
         for (int v = 0; v < V; ++v) {
-            accumulate(acc[v], c * loadAs<float>(p + v * Vec<float>::lanes, extent));
+            accumulate(acc[v], loadAs<float>(p + v * Vec<float>::lanes, extent) * c);
         }
     }
 

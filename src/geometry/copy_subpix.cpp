@@ -132,7 +132,7 @@ Image<const S> below(Image<const S> src) {
     return {src.row(1), src.step};
 }
 
-// Blends in single precision, in one order of additions, also where NaNs meet; 16u takes the nearest integer, ties to even.
+// Blends in single precision, in one order of additions; 16u takes the nearest integer, ties to even.
 template <class S, class D>
 okpStatus copyWithFloatWeights(Image<const S> src, Image<D> dst, Size size, float dx, float dy) {
     if (const okpStatus status = checkCopy(src, dst, size); status != okpStatusOk) return status;
@@ -143,16 +143,10 @@ okpStatus copyWithFloatWeights(Image<const S> src, Image<D> dst, Size size, floa
     const auto w10 = broadcast((1.0F - fx) * fy);
     const auto w11 = broadcast(fx * fy);
     const auto neighbours = [](const S* p, Vec<float> left, Vec<float> right, auto extent) {
-        Vec<float> sum = loadAs<float>(p, extent), term = loadAs<float>(p + 1, extent);
-        multiply(sum, left);
-        multiply(term, right);
-        accumulate(sum, term);
-        return sum;
+        return loadAs<float>(p, extent) * left + loadAs<float>(p + 1, extent) * right;
     };
     const auto blend = [=](const S* upper, const S* lower, auto extent) {
-        Vec<float> sum = neighbours(upper, w00, w01, extent);
-        accumulate(sum, neighbours(lower, w10, w11, extent));
-        return sum;
+        return neighbours(upper, w00, w01, extent) + neighbours(lower, w10, w11, extent);
     };
     constexpr int lanes = Vec<float>::lanes;
     const auto kernel = [=](auto extent, D* out, const S* upper, const S* lower) {

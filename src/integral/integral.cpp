@@ -263,7 +263,7 @@ okpStatus sqrIntegral8u(Image<const uint8_t> src, Image<D> dst, Image<Q> sqr, Ro
 }
 
 // Four floats at a time: their sums are formed, then the running sum before them is added, then the row
-// above; all in single precision and in this order everywhere, also where NaNs meet.
+// above; all in single precision and in this order everywhere.
 okpStatus integral32f(Image<const float> src, Image<float> dst, RoiSize roiSize) {
     const Size size = roiSize;
     const Checks checks = check(src, size, dst);
@@ -275,11 +275,8 @@ okpStatus integral32f(Image<const float> src, Image<float> dst, RoiSize roiSize)
         const auto kernel = [&](auto extent, const float* pixels, const float* above, float* out)
                                 OKPCV_INLINE_LAMBDA {
                                     const Vec<float> sums = prefixSums(load(pixels, extent));
-                                    Vec<float> row = running, sum = load(above, extent);
-                                    accumulate(row, sums);
-                                    accumulate(sum, row);
-                                    store(out, sum, extent);
-                                    accumulate(running, broadcastLast(sums));
+                                    store(out, load(above, extent) + (running + sums), extent);
+                                    running = running + broadcastLast(sums);
                                 };
         storeScalar(dst.row(y + 1), 0.0F);
         mapRow<Vec<float>::lanes>(size.width, kernel, src.row(y), static_cast<const float*>(dst.row(y) + 1),

@@ -2,7 +2,7 @@
 // or of a few at once.
 //
 // The runs grow inside of words of pixels. The words overlap, so that the runs that begin in the bytes of
-// output that a word gives end in the word. Per 96 pixels (112 where the offsets allow) of a rectangle of 3 x 3
+// output that a word gives end in the word. Per 96 pixels (112 where the offsets allow) of a square of 3
 // that is 10.5 operations in the registers, 1.5 loads and a store, which is what bounds it: about five
 // instructions start in a cycle.
 #pragma once
@@ -31,8 +31,8 @@ struct BitSource {
     bool outside;
 };
 
-// Rows of `width` pixels to write, of which the first is bit `phase` of the byte at rows.data. Bits beside them
-// stay as they are.
+// Rows of `width` pixels to write, of which the first is bit `phase` of the byte at rows.data. Bits beside
+// them stay as they are.
 struct BitTarget {
     Image<uint8_t> rows;
     int phase;
@@ -105,9 +105,9 @@ constexpr bool areWideBitRows(int64_t bytes) {
     return bytes >= 3 * kVectorBytes;
 }
 
-// dst(x, y) = the maximum of the kHeight rows of `length` pixels from (x, y) on, which grow to their length in
-// kSteps steps. The source has at least a vector of bytes. Only wide rows may reach outside of it. Rows that are
-// fewer than kBitRowsTogether, or share bytes, have a height of 1.
+// dst(x, y) = the maximum of the kHeight rows of `length` pixels from (x, y) on, which grow to their length
+// in kSteps steps. The source has at least a vector of bytes. Only wide rows may reach outside of it. Rows
+// that are fewer than kBitRowsTogether, or share bytes, have a height of 1.
 template <class P, int kHeight, int kSteps>
 void combineBitRuns(const BitSource& source, const BitTarget& target, int64_t rows, int32_t length) {
     using Op = typename P::Op;

@@ -185,8 +185,8 @@ class BitEngine {
         return scratch_.planes + (plane * sizes_.rows + row) * sizes_.rowBytes;
     }
 
-    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows. The rows of
-    // small ones whose pixels are all in readable memory are made at once.
+    // A rectangle: the maxima of the columns, then those along the rows, which need no other rows. The rows
+    // of small ones whose pixels are all in readable memory are made at once.
     void runRectangle(Intake& intake, const Spec::Place& block) {
         const int64_t above = header_.anchorY - block.row, below = block.height - 1 - above;
         const int64_t top = border_.topInMemory() ? 0 : std::max<int64_t>(above, 0);

@@ -147,10 +147,10 @@ struct Growth {
 template <int kRun>
 inline constexpr Growth kGrowth{kRun};
 
-// Runs of kRun elements, kStep apart, for kRows rows of output of whole vectors: take(tile, i) takes in vector i of
-// the rows, and with each step of growth there is one maximum with themselves, moved, for which a vector waits until
-// the next one is there; results(i)(r, v) is what to write of row r. Takes as many vectors beyond those that it
-// writes as there are steps.
+// Runs of kRun elements, kStep apart, for kRows rows of output of whole vectors: take(tile, i) takes in
+// vector i of the rows, and with each step of growth there is one maximum with themselves, moved, for which a
+// vector waits until the next one is there; results(i)(r, v) is what to write of row r. Takes as many vectors
+// beyond those that it writes as there are steps.
 template <class P, int kRun, int kStep, int kRows, class T, class Take, class Results>
 OKPCV_INLINE void fillGrown(Image<T> dst, int64_t vectors, Take take, Results results) {
     constexpr int kLanes = Vec<T>::lanes;
@@ -198,8 +198,8 @@ void fillRectangles(Image<const T> src, Image<T> dst, int64_t vectors, Height he
     watch = seen;
 }
 
-// Crosses of such a run, of which `runs` has the first elements, and a column of as many rows, of which `columns`
-// has the first. Watches what columns see.
+// Crosses of such a run, of which `runs` has the first elements, and a column of as many rows, of which
+// `columns` has the first. Watches what columns see.
 template <class P, int kRun, int kStep, int kRows, class T, class Watch>
 void fillCrosses(Image<const T> runs, Image<const T> columns, Image<T> dst, int64_t vectors, Watch& watch) {
     Watch seen = watch;
@@ -384,8 +384,8 @@ void combineTall(Image<const S> src, Image<D> dst, int64_t width, int64_t rows, 
     watch = seen;
 }
 
-// What combineRectangle can do: the short runs that masks with a middle have, of elements as far apart as there
-// are channels, which reach into the next vector at most with each step of their growth.
+// What combineRectangle can do: the short runs that masks with a middle have, of elements as far apart as
+// there are channels, which reach into the next vector at most with each step of their growth.
 template <class T>
 constexpr bool canCombineRectangle(int32_t run, int32_t channels) {
     const int32_t longestStep = run == 5 ? 2 : run == 7 ? 3 : 1;
@@ -400,8 +400,8 @@ inline constexpr int kRectangleRows = 4;
 
 namespace detail {
 
-// Calls fill(length, step, together, y), all but y known to the code, until all rows are filled: as many together,
-// from row y on, as leaves what waits and what is watched in registers.
+// Calls fill(length, step, together, y), all but y known to the code, until all rows are filled: as many
+// together, from row y on, as leaves what waits and what is watched in registers.
 template <class T, class Watch, class Fill>
 OKPCV_INLINE void forRowsOfRuns(int64_t rows, int32_t run, int channels, Fill fill) {
     const auto fillAll = [&](auto length, auto step) OKPCV_INLINE_LAMBDA {
@@ -425,9 +425,9 @@ OKPCV_INLINE void forRowsOfRuns(int64_t rows, int32_t run, int channels, Fill fi
 
 }  // namespace detail
 
-// dst(x, y) = the maximum of the elements of src from (x, y) on that are a run of pixels of `channels` elements
-// and `height` rows, for an even number of whole vectors of at least kRectangleRows rows. Watches all rows of
-// the source but the first height - 1.
+// dst(x, y) = the maximum of the elements of src from (x, y) on that are a run of pixels of `channels`
+// elements and `height` rows, for an even number of whole vectors of at least kRectangleRows rows. Watches
+// all rows of the source but the first height - 1.
 template <class P, class T, class Watch>
 void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t rows, int32_t run,
                       int channels, int32_t height, Watch& watch) {
@@ -444,8 +444,8 @@ void combineRectangle(Image<const T> src, Image<T> dst, int64_t vectors, int64_t
         });
 }
 
-// The same for crosses: dst(x, y) = the maximum of the run of pixels from (x, y) on in `runs` and of the column of
-// as many rows from (x, y) down in `columns`. Watches all rows of columns but the first run - 1.
+// The same for crosses: dst(x, y) = the maximum of the run of pixels from (x, y) on in `runs` and of the
+// column of as many rows from (x, y) down in `columns`. Watches all rows of columns but the first run - 1.
 template <class P, class T, class Watch>
 void combineCross(Image<const T> runs, Image<const T> columns, Image<T> dst, int64_t vectors, int64_t rows,
                   int32_t run, int channels, Watch& watch) {

@@ -1,7 +1,7 @@
 // The engine of morphology for images of whole bytes: it carries rows of the source through the planes of a
 // plan and combines them into rows of the destination, strip by strip and a few rows at a time, so that what
-// is in use stays in the nearer caches. The interior of a small mask goes from the source to the destination at
-// once. Opening, closing and their relatives can run it twice over one spec.
+// is in use stays in the nearer caches. The interior of a small mask goes from the source to the destination
+// at once. Opening, closing and their relatives can run it twice over one spec.
 //
 // M. van Herk, "A fast algorithm for local minimum and maximum filters on rectangular and octagonal kernels",
 // Pattern Recognition Letters 13 (1992); J. Gil and M. Werman, "Computing 2-D min, median, and max filters",
@@ -128,22 +128,22 @@ class Engine {
     }
 
   private:
-    // Images up to this size may well be in a near cache, where fetching the next rows costs more than it saves.
+    // Images up to this size may be in a near cache, where fetching the next rows costs more than it saves.
     static constexpr int64_t kNearBytes = int64_t{4} << 20;
     // Rows of output that a rectangle makes at a time.
     static constexpr int64_t kFewRows = 8;
     // So many columns beside the region are made column by column, more row by row.
     static constexpr int64_t kFewColumns = 8;
-    // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the longer
-    // runs of rectangles.
+    // Vectors of a row of a small mask's interior that pay for what has to be done around it; more for the
+    // longer runs of rectangles.
     static constexpr int32_t kShortRun = 3;
     static constexpr int64_t kLeastVectors = 32;
     static constexpr int64_t kLeastVectorsLong = 64;
     // Of slanted lines, so few rows are taken one by one, and higher ones want planes, whose rows are close.
     static constexpr int kFewSlanted = 3;
     static constexpr int32_t kLowSlanted = 8;
-    // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each visit
-    // takes in the rows that a mask reaches anew, so taller masks are not small.
+    // Rows of the interior between two visits of the columns beside it, which have them in a near cache. Each
+    // visit takes in the rows that a mask reaches anew, so taller masks are not small.
     static constexpr int64_t kInteriorRows = 64;
 
     static int32_t firstRun(int channels) { return 7 * channels <= Vec<Cell>::lanes ? 8 : 4; }
@@ -177,8 +177,8 @@ class Engine {
         return true;
     }
 
-    // Where the pixels under a small mask are all in readable memory, so that they are taken from there: output
-    // columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
+    // Where the pixels under a small mask are all in readable memory, so that they are taken from there:
+    // output columns from x on, in whole vectors, and rows `top` to `bottom` - 1.
     struct Interior {
         enum class Kind { Rectangle, Cross, Slanted, Terms } kind = Kind::Rectangle;
         Spec::Place block{};  // what of the mask counts
@@ -294,7 +294,7 @@ class Engine {
     bool haveRoomInSource() const {
         return 2 * (plan_.terms().count() + plan_.rowByRow().count()) <= sizes_.terms();
     }
-    // The plan's terms, which combine pixels only, relative to the source's pixel under the mask's first element.
+    // The plan's terms, which combine pixels only, from the source's pixel under the mask's first element on.
     void moveToSource(TermList& terms, TermList& rowByRow) const {
         terms = plan_.terms(), rowByRow = plan_.rowByRow();
         Term* to = scratch_.terms + terms.count() + rowByRow.count();

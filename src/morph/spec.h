@@ -21,8 +21,8 @@ struct SpecHeader {
     int32_t maskWidth, maskHeight;
     int32_t anchorX, anchorY;           // columns left of the centre, rows above it
     int32_t rightExtent, bottomExtent;  // columns right of the centre, rows below it
-    int32_t roiWidth,
-        roiWidthAligned;  // the width that the buffer was sized for; its multiple of 16, a record
+    int32_t roiWidth;                   // the width that the buffer was sized for
+    int32_t roiWidthAligned;            // the same rounded up to a multiple of 16; nothing here reads it
     Shape shape;
     int32_t blockCount;
     int32_t slope;  // columns by which each row of the only block stands right of the row above

@@ -1,4 +1,5 @@
 // The companion library: the size of the largest processor cache.
+#include <atomic>
 #include <cstdint>
 
 #include "okpcore.h"
@@ -13,18 +14,18 @@ int64_t largestCache() {
 
 // The machine's caches do not change, and reading their description takes several system calls: the first
 // answer is kept. Calls that race find and store the same value.
-int32_t knownSize = 0;
+std::atomic<int32_t> knownSize = 0;
 
 }  // namespace
 
 okpStatus okpGetMaxCacheSizeB(int32_t* pSizeByte) {
     if (pSizeByte == nullptr) return okpStatusNullPointer;
-    int32_t size = __atomic_load_n(&knownSize, __ATOMIC_RELAXED);
+    int32_t size = knownSize.load(std::memory_order_relaxed);
     if (size == 0) {
         const int64_t found = largestCache();
         if (found == 0) return okpStatusBadArgument;
         size = found > INT32_MAX ? INT32_MAX : static_cast<int32_t>(found);
-        __atomic_store_n(&knownSize, size, __ATOMIC_RELAXED);
+        knownSize.store(size, std::memory_order_relaxed);
     }
     *pSizeByte = size;
     return okpStatusOk;

@@ -71,11 +71,11 @@ namespace detail {
 template <class T>
 OKPCV_INLINE Vec<T> binomial(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T> d, Vec<T> e) {
     if constexpr (kIsFloat<T>) {
-        Vec<T> sum = broadcast(1 / 16.0F) * a;
-        accumulate(sum, broadcast(4 / 16.0F) * b);
-        accumulate(sum, broadcast(6 / 16.0F) * c);
-        accumulate(sum, broadcast(4 / 16.0F) * d);
-        accumulate(sum, broadcast(1 / 16.0F) * e);
+        Vec<T> sum = a * broadcast(1 / 16.0F);
+        accumulate(sum, b * broadcast(4 / 16.0F));
+        accumulate(sum, c * broadcast(6 / 16.0F));
+        accumulate(sum, d * broadcast(4 / 16.0F));
+        accumulate(sum, e * broadcast(1 / 16.0F));
         return sum;
     } else {
         return (a + e) + shiftLeft((b + d) + c, 2) + shiftLeft(c, 1);
@@ -85,9 +85,9 @@ OKPCV_INLINE Vec<T> binomial(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T> d, Vec<T> e) {
 template <class T>
 OKPCV_INLINE Vec<T> binomialAtPixel(Vec<T> a, Vec<T> b, Vec<T> c) {
     if constexpr (kIsFloat<T>) {
-        Vec<T> sum = broadcast(2 / 16.0F) * a;
-        accumulate(sum, broadcast(12 / 16.0F) * b);
-        accumulate(sum, broadcast(2 / 16.0F) * c);
+        Vec<T> sum = a * broadcast(2 / 16.0F);
+        accumulate(sum, b * broadcast(12 / 16.0F));
+        accumulate(sum, c * broadcast(2 / 16.0F));
         return sum;
     } else {
         return (a + c) + shiftLeft(b, 2) + shiftLeft(b, 1);
@@ -96,7 +96,7 @@ OKPCV_INLINE Vec<T> binomialAtPixel(Vec<T> a, Vec<T> b, Vec<T> c) {
 template <class T>
 OKPCV_INLINE Vec<T> binomialBetween(Vec<T> a, Vec<T> b) {
     if constexpr (kIsFloat<T>) {
-        return broadcast(8 / 16.0F) * a + broadcast(8 / 16.0F) * b;
+        return a * broadcast(8 / 16.0F) + b * broadcast(8 / 16.0F);
     } else {
         return shiftLeft(a + b, 2);
     }

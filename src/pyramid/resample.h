@@ -110,8 +110,8 @@ ResampleBuffer<S> layOutResample(Area& area, int channels, int64_t width, int64_
 namespace detail {
 
 // a where the fraction is 0, so that no more than a is looked at there.
-OKPCV_INLINE float mixed(float a, float b, float fraction) {
-    return fraction == 0 ? a : a + (b - a) * fraction;
+OKPCV_INLINE Vec<float> mixed(Vec<float> a, Vec<float> b, float fraction) {
+    return fraction == 0 ? a : a + (b - a) * broadcast(fraction);
 }
 
 // Rounded half up and clamped to an integer type.
@@ -164,9 +164,7 @@ void resample(const Image<const S, Channels>& src, Size srcSize, const Image<S, 
             elements,
             [fraction = p.fraction](auto extent, float* out, const float* a, const float* b)
                 OKPCV_INLINE_LAMBDA {
-                    const Vec<float> v = load(a, extent);
-                    const Vec<float> mixture = v + (load(b, extent) - v) * broadcast(fraction);
-                    store(out, fraction == 0 ? v : mixture, extent);
+                    store(out, detail::mixed(load(a, extent), load(b, extent), fraction), extent);
                 },
             buffer.line, above, below);
         extendLine<Channels>(buffer.line, srcSize.width, reach, filter.phases);
@@ -179,7 +177,9 @@ void resample(const Image<const S, Channels>& src, Size srcSize, const Image<S, 
         for (int64_t x = 0; x < dstSize.width; ++x) {
             const LineSample& s = buffer.samples[x];
             for (int c = 0; c < Channels; ++c) {
-                buffer.sampled[x * Channels + c] = detail::mixed(s.first[c], s.second[c], s.fraction);
+                constexpr Part one{1};
+                store(buffer.sampled + x * Channels + c,
+                      detail::mixed(load(s.first + c, one), load(s.second + c, one), s.fraction), one);
             }
         }
         detail::storeRounded(dst.row(y), buffer.sampled, dstSize.width * Channels);

@@ -15,7 +15,7 @@
 namespace okpcv {
 namespace {
 
-template <class T, int C, Connectivity kConnectivity, class... P>
+template <class T, int C, Connectivity kConnectivity>
 okpStatus floodFill(Image<T, C> image, RoiSize size, PixelPoint seed, const T* newVal, ConnectedComp* pRegion,
                     uint8_t* pBuffer) {
     const okpStatus status = checkFloodFill(image, size, seed, pRegion, pBuffer, newVal);

@@ -200,8 +200,9 @@ struct DeviationReduction {
     DoubleSum sum;
 };
 
-// The same over integers, from their exact sums: sum x^2 - 2 shift sum x + count shift^2. The shift, at least
-// 0.5, is a multiple of 2^-24, so that 2^48 times the result is an integer.
+// The same over integers, from their exact sums: sum x^2 - 2 shift sum x + count shift^2. The shift is a mean
+// that is large against the deviation, so it is above 0.95: of integers x^2 >= x, and the variance is at least
+// mean - mean^2. Above 0.5 a float is a multiple of 2^-24, so that 2^48 times the result is an integer.
 double deviationsAbout(float shift, uint64_t sum, uint128_t squares, int64_t count) {
     const auto scaled = static_cast<int64_t>(shift * 0x1p24F);
     const int128_t deviations = static_cast<int128_t>(squares << 48) -
@@ -210,47 +211,59 @@ double deviationsAbout(float shift, uint64_t sum, uint128_t squares, int64_t cou
     return static_cast<double>(deviations) * 0x1p-48;
 }
 
+struct Moments {
+    double mean = 0, stdDev = 0;
+};
+
+// Both are 0 where no pixel is selected.
+template <class Selection, class T, int Channels>
+Moments momentsOf(Size size, const Selection& selection, const Values<T, Channels>& values) {
+    MomentReduction<T, Selection, true> reduction;
+    reduceRows(size, reduction, selection, values);
+    const int64_t count = reduction.selected(size);
+    if (count == 0) return {};
+
+    const auto n = static_cast<double>(count);
+    const double r = 1.0 / n;
+    const double mean = static_cast<double>(reduction.totals.sum()) * r;
+    const double meanOfSquares = r * static_cast<double>(reduction.totals.squareSum());
+    const double stdDev = std::sqrt(std::fabs(meanOfSquares - mean * mean));
+    if (!(mean * mean * 0.05 > stdDev * stdDev)) return {mean, stdDev};
+
+    // The difference has lost its digits.
+    const auto shift = static_cast<float>(mean);
+    double deviations;
+    if constexpr (kIsFloat<T>) {
+        DeviationReduction second{broadcast(shift), {}};
+        reduceRows(size, second, selection, values);
+        deviations = second.sum.total();
+    } else {
+        deviations = deviationsAbout(shift, reduction.totals.sum(), reduction.totals.squareSum(), count);
+    }
+    return {mean, std::sqrt(deviations / n)};
+}
+
+// The same mean without the squares.
+template <class Selection, class T, int Channels>
+double meanOf(Size size, const Selection& selection, const Values<T, Channels>& values) {
+    MomentReduction<T, Selection, false> reduction;
+    reduceRows(size, reduction, selection, values);
+    const int64_t count = reduction.selected(size);
+    if (count == 0) return 0;
+    return static_cast<double>(reduction.totals.sum()) * (1.0 / static_cast<double>(count));
+}
+
+// Writes what is asked for.
 template <class Selection, class T, int Channels>
 void writeMeanStdDev(Size size, const Selection& selection, const Values<T, Channels>& values, double* pMean,
                      double* pStdDev) {
-    double mean = 0;
-    double stdDev = 0;
-    if (pStdDev == nullptr) {
-        if (pMean == nullptr) return;
-        MomentReduction<T, Selection, false> reduction;
-        reduceRows(size, reduction, selection, values);
-        const int64_t count = reduction.selected(size);
-        if (count > 0) {
-            const double r = 1.0 / static_cast<double>(count);
-            mean = static_cast<double>(reduction.totals.sum()) * r;
-        }
-    } else {
-        MomentReduction<T, Selection, true> reduction;
-        reduceRows(size, reduction, selection, values);
-        const int64_t count = reduction.selected(size);
-        if (count > 0) {
-            const auto n = static_cast<double>(count);
-            const double r = 1.0 / n;
-            mean = static_cast<double>(reduction.totals.sum()) * r;
-            const double meanOfSquares = r * static_cast<double>(reduction.totals.squareSum());
-            stdDev = std::sqrt(std::fabs(meanOfSquares - mean * mean));
-            if (mean * mean * 0.05 > stdDev * stdDev) {
-                const auto shift = static_cast<float>(mean);
-                double deviations;
-                if constexpr (kIsFloat<T>) {
-                    DeviationReduction second{broadcast(shift), {}};
-                    reduceRows(size, second, selection, values);
-                    deviations = second.sum.total();
-                } else {
-                    deviations =
-                        deviationsAbout(shift, reduction.totals.sum(), reduction.totals.squareSum(), count);
-                }
-                stdDev = std::sqrt(deviations / n);
-            }
-        }
-        *pStdDev = stdDev;
+    if (pStdDev != nullptr) {
+        const Moments moments = momentsOf(size, selection, values);
+        *pStdDev = moments.stdDev;
+        if (pMean != nullptr) *pMean = moments.mean;
+    } else if (pMean != nullptr) {
+        *pMean = meanOf(size, selection, values);
     }
-    if (pMean != nullptr) *pMean = mean;
 }
 
 template <class T, int Channels>

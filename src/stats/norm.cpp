@@ -2,8 +2,9 @@
 // the second image. Inf is the largest of these values, L1 their sum, L2 the root of the sum of their
 // squares.
 //
-// Bound by memory once the images leave the caches: 1 to 9 bytes per pixel, up to 25 of three channels, against
-// 5 to 25 vector operations per 16 bytes of source, which run at about one byte per cycle and source at worst.
+// Bound by memory once the images leave the caches: 1 to 9 bytes per pixel, up to 25 of three channels,
+// against 5 to 25 vector operations per 16 bytes of source, which run at about one byte per cycle and source
+// at worst.
 #include <cmath>
 #include <limits>
 

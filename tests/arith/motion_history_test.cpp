@@ -78,6 +78,7 @@ TYPED_TEST(MotionHistoryTest, ChecksInOrder) {
     constexpr auto size = static_cast<int32_t>(sizeof(S));
     GuardedImage<S> silhouette(5, 2, {.padding = 8});
     GuardedImage<float> history(5, 2, {.padding = 8});
+    history.fill([](int, int, int) { return 1.0F; });
     const A valid{silhouette.data(), silhouette.step(), history.data(), history.step(), history.roi(), 10, 1};
     std::vector<Fault<A>> faults{
         {"null silhouette", okpStatusNullPointer, [](A& a) { a.silhouette = nullptr; }},
@@ -96,6 +97,7 @@ TYPED_TEST(MotionHistoryTest, ChecksInOrder) {
     expectRefusesAbsurdSizes([&](RoiSize roi, int32_t step) {
         return update<S>({valid.silhouette, step, valid.history, step, roi, 10, 1});
     });
+    for (const float value : history.pixels()) ASSERT_EQ(value, 1.0F);
 }
 
 }  // namespace

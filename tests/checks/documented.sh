@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every function that a shared library exports has an entry in the reference and a line in its table of functions.
+# Every function that a shared library exports has an entry in the reference and a line in its table.
 # usage: documented.sh LIBRARY TAG_FILE TABLE
 set -euo pipefail
 work=$(mktemp -d)

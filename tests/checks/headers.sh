@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every public header compiles by itself without a warning: the C headers as C99 and as C++17, the C++ one as C++20.
+# Every public header compiles by itself without a warning: C headers as C99 and as C++17, the C++ one as C++20.
 # usage: headers.sh INCLUDE_DIR COMPILER
 set -euo pipefail
 cd "$1"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Programs outside the repository compile and run against an installed tree: through pkg-config, through CMake's
-# package, with the shared and with the static libraries.
+# Programs outside the repository compile and run against an installed tree: through pkg-config, through
+# CMake's package, with the shared and with the static libraries.
 # usage: installed.sh PREFIX [README]
 set -euo pipefail
 outside=$(cd "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)/outside

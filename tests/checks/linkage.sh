@@ -23,7 +23,7 @@ for needed in $(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'); do
     esac
 done
 
-# Names of the C++ runtime, of the unwinder and of allocation, in case a statically linked or weak one slips by.
+# Names of the C++ runtime, of the unwinder and of allocation: a statically linked or weak one might slip by.
 for name in $undefined; do
     case $name in
         _Z* | __cxa_* | __gxx_* | _Unwind_* | *alloc* | free*) fail "uses $name" ;;

@@ -16,6 +16,7 @@ constexpr auto kAccumulate = [](auto extent, float* d, const uint8_t* s) {
     store(d, load(d, extent) + loadAs<float>(s, extent), extent);
 };
 
+template <Fetch kFetch>
 void expectAccumulated(int width, int height, int padding, int misalignment, bool streamed) {
     SCOPED_TRACE(testing::Message() << width << 'x' << height << " padding " << padding << " at "
                                     << misalignment << (streamed ? " streamed" : ""));
@@ -25,15 +26,16 @@ void expectAccumulated(int width, int height, int padding, int misalignment, boo
     dst.fill([&](int, int, int) { return random.value<float>(); });
     src.fill([&](int, int, int) { return random.value<uint8_t>(); });
     std::vector<float> expected = dst.pixels();
-    for (size_t i = 0; i < expected.size(); ++i) expected[i] += src.pixels()[i];
+    const std::vector<uint8_t> added = src.pixels();
+    for (size_t i = 0; i < expected.size(); ++i) expected[i] += added[i];
 
     const Image<float> d{dst.data(), dst.step()};
     const Image<const uint8_t> s{src.data(), src.step()};
     constexpr int lanes = Vec<float>::lanes;
     if (streamed) {
-        mapRowsStreamed<lanes>(dst.roi(), kAccumulate, d, s);
+        mapRowsStreamed<lanes, kFetch>(dst.roi(), kAccumulate, d, s);
     } else {
-        mapRows<lanes>(dst.roi(), kAccumulate, d, s);
+        mapRows<lanes, kFetch>(dst.roi(), kAccumulate, d, s);
     }
     EXPECT_EQ(dst.pixels(), expected);
     EXPECT_TRUE(dst.paddingIntact());
@@ -44,7 +46,20 @@ TEST(Rows, VisitEveryElementOnce) {
         for (int width = 1; width <= 21; ++width) {
             for (const int padding : {0, 1, 4, 12}) {
                 for (const int misalignment : {0, 1, 3})
-                    expectAccumulated(width, 3, padding, misalignment, streamed);
+                    expectAccumulated<Fetch::AsItComes>(width, 3, padding, misalignment, streamed);
+            }
+        }
+    }
+}
+
+// Rows, or several together, that are long enough for something of them to be fetched ahead.
+TEST(Rows, VisitEveryElementOnceWhenFetchingAhead) {
+    constexpr int ahead = kFetchedAheadBytes / sizeof(float);
+    for (const bool streamed : {false, true}) {
+        for (const int padding : {0, 4}) {
+            for (const int width : {700, ahead + 3, ahead + 16, ahead + 17, ahead + 83, 2 * ahead}) {
+                for (const int misalignment : {0, 3})
+                    expectAccumulated<Fetch::FirstAhead>(width, 3, padding, misalignment, streamed);
             }
         }
     }

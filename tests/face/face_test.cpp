@@ -318,6 +318,13 @@ TEST(Labeller, CountsGroups) {
     EXPECT_EQ(labels[38], 2);
 }
 
+// The query's number would be negative for the first of these, and far too small for the second.
+TEST(Labeller, RefusesSizesWhoseBufferSizeWraps) {
+    EXPECT_EQ(Labeller::create({20000, 20000}).status(), okpStatusSizeTooLarge);
+    EXPECT_EQ(Labeller::create({40000, 40000}).status(), okpStatusSizeTooLarge);
+    EXPECT_EQ(Labeller::create({INT32_MAX, INT32_MAX}).status(), okpStatusSizeTooLarge);
+}
+
 TEST(SpeckleMarker, OverwritesSmallRegions) {
     std::vector<float> pixels(kPixels, 5.0F);
     pixels[40] = 9;

@@ -8,6 +8,7 @@
 
 #include "core/border.h"
 #include "core/numbers.h"
+#include "support/first_nan.h"
 #include "support/guarded_image.h"
 
 namespace okpcv::test {
@@ -50,7 +51,8 @@ std::vector<D> separableReference(const GuardedImage<S>& src, const Kernels<K>& 
         float sum = 0;
         for (int i = 0; i < kw; ++i) {
             if constexpr (std::is_same_v<K, float>) {
-                sum = sum + kernels.row[i] * static_cast<float>(pixel(x - (kw - 1) / 2 + i, y, c));
+                sum = test::sum(
+                    sum, product(static_cast<float>(pixel(x - (kw - 1) / 2 + i, y, c)), kernels.row[i]));
             } else {
                 sum = sum + static_cast<float>(kernels.row[i] * pixel(x - (kw - 1) / 2 + i, y, c));
             }
@@ -88,7 +90,8 @@ std::vector<D> separableReference(const GuardedImage<S>& src, const Kernels<K>& 
         for (int x = 0; x < rowElements; ++x) {
             float sum = 0;
             for (int j = 0; j < kh; ++j) {
-                sum = sum + static_cast<float>(kernels.column[j]) * intermediate[(y + j) * rowElements + x];
+                sum = test::sum(sum, product(intermediate[(y + j) * rowElements + x],
+                                             static_cast<float>(kernels.column[j])));
             }
             float value = scaled(sum);
             if (std::is_same_v<D, int16_t>) value = std::ldexp(value, -kernels.scaleFactor);

@@ -1,7 +1,9 @@
 // Window standard deviations against their scalar definition, bit by bit.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "support/compare.h"
 #include "support/guarded_image.h"
@@ -103,6 +105,37 @@ TEST(RectStdDev, ScalesAndSaturates) {
                 return scaledDefinition(sum, sqr, x, y, r, bounded);
             });
     }
+}
+
+// From 2^24 pixels on the number of those in a window is rounded. Of the integral images of so large a window
+// only the corners are looked at, so the pages between them need no memory.
+TEST(RectStdDev, RoundsTheNumberOfPixels) {
+    constexpr int32_t kSide = 4097;
+    constexpr int32_t kCount = kSide * kSide, kRounded = kCount - 1;
+    constexpr int32_t kStep = 8 * (kSide + 1);
+    constexpr size_t kBytes = size_t{kStep} * (kSide + 1);
+    const auto reserve = [] {
+        return mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
+                    0);
+    };
+    void* const sums = reserve();
+    void* const squares = reserve();
+    ASSERT_NE(sums, MAP_FAILED);
+    ASSERT_NE(squares, MAP_FAILED);
+    // Near the mean 100 and the variance 1, where a relative change of 2^-24 in the number can be seen.
+    constexpr int32_t kSum = 100 * kCount;
+    constexpr double kSquares = 10001.0 * kCount;
+    std::memcpy(static_cast<char*>(sums) + kBytes - kStep + 4 * kSide, &kSum, sizeof kSum);
+    std::memcpy(static_cast<char*>(squares) + kBytes - 8, &kSquares, sizeof kSquares);
+    float deviation = -1;
+    EXPECT_EQ(okpiRectStdDev_32s32f_C1R(static_cast<int32_t*>(sums), kStep, static_cast<double*>(squares),
+                                        kStep, &deviation, 4, {1, 1}, {0, 0, kSide, kSide}),
+              okpStatusOk);
+    const double k = 1.0 / kRounded;
+    EXPECT_EQ(deviation, std::sqrt(static_cast<float>(kSquares * k - kSum * k * (kSum * k))));
+    EXPECT_NE(deviation, 1.0F);
+    munmap(sums, kBytes);
+    munmap(squares, kBytes);
 }
 
 // The integral images of an image, as their makers make them.

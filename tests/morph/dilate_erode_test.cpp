@@ -193,6 +193,27 @@ TEST(DilateErode, EveryMaskOfOneRow) {
     }
 }
 
+// A mask so long that a spec holds it in two pieces. From every pixel it reaches the whole row, from the first
+// ones only with its second piece.
+TEST(DilateErode, MaskOfTwoPieces) {
+    Random random(10);
+    const Mask mask(70000, 1, [](int, int) { return 1; });
+    GuardedImage<uint8_t> src(31000, 1), dst(31000, 1);
+    src.fill([](int x, int, int) { return x == 30900 ? 200 : x % 100; });
+    int32_t specSize = 0, bufferSize = 0;
+    ASSERT_EQ(okpiMorphologyBorderGetSize_8u_C1R(src.roi(), mask.size(), &specSize, &bufferSize),
+              okpStatusOk);
+    const auto spec = areaOf(specSize, random), buffer = areaOf(bufferSize, random);
+    auto* const morphSpec = reinterpret_cast<MorphSpec*>(spec->data());
+    auto* const bytes = reinterpret_cast<uint8_t*>(buffer->data());
+    ASSERT_EQ(okpiMorphologyBorderInit_8u_C1R(src.roi(), mask.bytes.data(), mask.size(), morphSpec, bytes),
+              okpStatusOk);
+    ASSERT_EQ(okpiDilateBorder_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), src.roi(),
+                                      BorderDefault, 0, morphSpec, bytes),
+              okpStatusOk);
+    EXPECT_EQ(dst.pixels(), std::vector<uint8_t>(31000, 200));
+}
+
 // The only NaN of an image counts wherever it stands, also beside the region.
 TEST(DilateErode, OneNanAmongNumbers) {
     Random random(9);

@@ -50,10 +50,13 @@ Call<T> callOf(okpStatus (*f)(T*, int32_t, RoiSize, PixelPoint, const T*, const 
     return f;
 }
 
-#define FILL(NAME, RULE, DIAGONALS, CHANNELS)                     \
-    Fill<T> {                                                     \
-#NAME, Rule::RULE, DIAGONALS, CHANNELS, callOf < T>(NAME) \
-    }
+template <class T>
+Fill<T> makeFill(const char* name, Rule rule, bool diagonals, int channels, Call<T> call) {
+    return {name, rule, diagonals, channels, std::move(call)};
+}
+
+#define FILL(NAME, RULE, DIAGONALS, CHANNELS) \
+    makeFill<T>(#NAME, Rule::RULE, DIAGONALS, CHANNELS, callOf<T>(NAME))
 
 template <class T>
 std::vector<Fill<T>> fills();
@@ -402,13 +405,15 @@ TEST(FloodFill, StaysInABufferWhoseSizeHasWrapped) {
     ASSERT_EQ(bufferBytes(Rule::Range, roi), 64);
     Scratch scratch(64, 0);
     ConnectedComp record;
-    // A new value inside the interval would need a map; there is room for the seed's run alone.
-    ASSERT_EQ(okpiFloodFill_Range4Con_8u_C1IR(const_cast<uint8_t*>(image.data()), roi.width, roi, {3, 1000},
-                                              8, 1, 1, &record, scratch.data()),
+    // A new value inside the interval would need a map, in which this seed's bit lies just behind the buffer;
+    // there is room for the seed's run alone.
+    ASSERT_EQ(okpiFloodFill_Range4Con_8u_C1IR(const_cast<uint8_t*>(image.data()), roi.width, roi, {3, 40}, 8,
+                                              1, 1, &record, scratch.data()),
               okpStatusOk);
-    expectSame(record, {16, {8, 0, 0}, {0, 1000, 16, 1}});
-    EXPECT_EQ(image.data()[int64_t{roi.width} * 1000 + 15], 8);
-    EXPECT_EQ(image.data()[int64_t{roi.width} * 1001], 7);
+    expectSame(record, {16, {8, 0, 0}, {0, 40, 16, 1}});
+    EXPECT_TRUE(scratch.intact());
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 40 + 15], 8);
+    EXPECT_EQ(image.data()[int64_t{roi.width} * 41], 7);
 }
 
 template <class T>

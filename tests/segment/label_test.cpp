@@ -173,10 +173,14 @@ TEST(LabelMarkers, LabelsTheSameWhateverTheCache) {
                                        CacheStandIn{okpStatusBadArgument, 0, 0}}) {
         cacheStandIn = answer;
         int calls = 0;
-        for (int width = 1; width <= 70; ++width, ++calls) {
-            expectInPlace<uint16_t>(okpiLabelMarkersGetBufferSize_16u_C1R, okpiLabelMarkers_16u_C1IR,
-                                    randomMarkers(random, {width, 30}, 0.5), {1, 60000, 1},
-                                    static_cast<size_t>(width % 5));
+        for (int width = 1; width <= 70; ++width) {
+            // The buffer of a single row has no room for another one.
+            for (const int height : {1, 30}) {
+                expectInPlace<uint16_t>(okpiLabelMarkersGetBufferSize_16u_C1R, okpiLabelMarkers_16u_C1IR,
+                                        randomMarkers(random, {width, height}, 0.5), {1, 60000, 1},
+                                        static_cast<size_t>(width % 5));
+                ++calls;
+            }
         }
         EXPECT_EQ(cacheStandIn.queries, calls);
         // The other forms do not ask.

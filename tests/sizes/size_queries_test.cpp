@@ -123,7 +123,8 @@ std::vector<Query> growingQueries() {
 }
 
 // Those that may need less for more: a small region that needs a copy, a region wide enough for strips, a
-// number modulo 2^32, levels that end where they become too small, queries that raise what they are given.
+// number modulo 2^32, levels that end where they become too small, and queries that raise what they are
+// given.
 std::vector<Query> otherQueries() {
     std::vector<Query> queries = {
         MORPHOLOGY(8u_C1R),
