@@ -113,8 +113,8 @@ bench::Work integerRow(double elements, int length) {
             .loads = 2 * pairs,
             .stores = 1};
 }
-// Down columns of 16-bit sums: two rows of output share the loads and what is interleaved, and the results are
-// shifted and packed.
+// Down columns of 16-bit sums: two rows of output share the loads and what is interleaved, and the results
+// are shifted and packed.
 bench::Work integerColumn(int length) {
     const double pairs = pairsOf(length);
     return {.elements = 16,

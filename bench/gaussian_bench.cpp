@@ -54,9 +54,9 @@ struct Areas {
     }
 };
 
-// One pass. Kernels are symmetric: floats and bytes are folded before they are multiplied, a product for every
-// two taps. Of integers one instruction multiplies two words and adds them, so words, which stay unfolded, take
-// as many; the words of two rows, or of two folded taps, must stand beside each other.
+// One pass. Kernels are symmetric: floats and bytes are folded before they are multiplied, a product for
+// every two taps. Of integers one instruction multiplies two words and adds them, so words, which stay
+// unfolded, take as many; the words of two rows, or of two folded taps, must stand beside each other.
 template <class T>
 bench::Work pass(int length, bool along) {
     const double taps = length, half = (length - 1) / 2;

@@ -154,8 +154,8 @@ using ElementOf = std::remove_reference_t<std::ranges::range_reference_t<Element
 template <class T>
 using ArrayPointer = T (*)[];
 
-// Contiguous elements of T; for a const T also elements that are not const. Pointers to arrays convert just so,
-// while those to single elements would also convert to a base.
+// Contiguous elements of T; for a const T also elements that are not const. Pointers to arrays convert just
+// so, while those to single elements would also convert to a base.
 template <class Elements, class T>
 concept BufferOf = std::ranges::contiguous_range<Elements> &&
     std::is_convertible_v<ArrayPointer<ElementOf<Elements>>, ArrayPointer<T>>;

@@ -990,7 +990,8 @@ OKPCV_API okpStatus okpiFilterColumnPipelineGetBufferSize_32f_C3R(RoiSize roiSiz
  * A spec begins with five 32-bit integers: kernel size, 20, data type, border kind and fraction bits (12 for
  * 8u, 15 for 16u and 16s, 0 for 32f). The coefficients, 16-bit integers or floats, follow at the next 16-byte
  * boundary in memory. Behind them, at a 64-byte boundary, stand four 32-bit integers, kernel size, 64, data
- * type and 0, and at the next 64-byte boundary the half kernel as floats: @f$ w_h / S, ..., w_1 / S, 1 / S @f$.
+ * type and 0, and at the next 64-byte boundary the half kernel as floats:
+ * @f$ w_h / S, ..., w_1 / S, 1 / S @f$.
  * @{
  */
 

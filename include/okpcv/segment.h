@@ -561,9 +561,9 @@ OKPCV_API okpStatus okpiFloodFill_Grad8Con_32f_C3IR(float* pImage, int32_t image
  *
  * @f[ bytes = 6 \, width \, height + 32 @f]
  *
- * computed modulo @f$ 2^{32} @f$, as okpiFloodFillGetSize() does: from 357913936 pixels on the number reads as
- * negative (as an unsigned number it is right), and from 715827878 pixels on it wraps and is too small. No call
- * exceeds the bytes of the wrapped number, but with so few a group may be labelled as several.
+ * computed modulo @f$ 2^{32} @f$, as okpiFloodFillGetSize() does: from 357913936 pixels on the number reads
+ * as negative (as an unsigned number it is right), and from 715827878 pixels on it wraps and is too small. No
+ * call exceeds the bytes of the wrapped number, but with so few a group may be labelled as several.
  *
  * @param[in]  roiSize     Size of the region in pixels.
  * @param[out] pBufferSize Receives the bytes.

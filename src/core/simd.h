@@ -266,8 +266,8 @@ OKPCV_INLINE Vec<T> loadFirst(const T* p, Extent extent) {
     }
 }
 
-// The same vector, kept in a register: left to themselves, compilers read a constant, or what was loaded, again
-// wherever it is used, and loads are what loops have too many of.
+// The same vector, kept in a register: left to themselves, compilers read a constant, or what was loaded,
+// again wherever it is used, and loads are what loops have too many of.
 template <class T>
 OKPCV_INLINE Vec<T> inRegister(Vec<T> v) {
     __asm__("" : "+x"(v.raw));
@@ -498,8 +498,8 @@ OKPCV_INLINE bool anyBit(Vec<T> v) {
 
 // ---- Arithmetic -----------------------------------------------------------------------------------------
 
-// Where both operands are NaN the first one results. Sums and products of floats are written as instructions for
-// that, since compilers take their operands in either order, here so and there so; of doubles it is left open.
+// Where both operands are NaN the first one results. Compilers take those of sums and products in either
+// order, here so and there so: of floats they are written as instructions, of doubles it is left open.
 template <class T>
 OKPCV_INLINE Vec<T> operator+(Vec<T> a, Vec<T> b) {
     if constexpr (kIsFloat<T>) {
@@ -548,7 +548,7 @@ OKPCV_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
         return {_mm_mullo_epi32(a.raw, b.raw)};
     }
 }
-// a times the vector at p, an address that is a multiple of kVectorBytes: the instruction takes it from there.
+// a times the vector at p, from where the instruction takes it: a multiple of kVectorBytes.
 OKPCV_INLINE Vec<float> timesAligned(Vec<float> a, const float* p) {
     __asm__("mulps %1, %0" : "+x"(a.raw) : "m"(*reinterpret_cast<const __m128*>(p)));
     return a;

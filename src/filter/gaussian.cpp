@@ -90,8 +90,7 @@ void filterFloats(const SeparableTask<float, Channels, float>& task, const float
                   bool streamed) {
     float outside[Channels] = {};
     if (task.border.kind() == BorderConstant) {
-        float sum = 0;
-        for (int64_t i = 0; i < task.row.length; ++i) sum += kernel[i];
+        const float sum = kernelSum(kernel, task.row.length);
         for (int c = 0; c < Channels; ++c) outside[c] = task.borderValue[c] * sum;
     }
     Area area(pBuffer);
@@ -106,8 +105,7 @@ void filterIntegers(SeparableTask<T, Channels, T> task, const K* taps, int bits,
                     bool streamed) {
     static constexpr int16_t kCentre[] = {0, 1 << 14, 0};
     const auto* kernel = reinterpret_cast<const int16_t*>(taps);
-    int64_t sum = 0;
-    for (int64_t i = 0; i < task.row.length; ++i) sum += taps[i];
+    int64_t sum = kernelSum(taps, task.row.length);
     // The memory is that of the spec's kernel, also where a shorter one has the same results.
     const RingShape shape = ringShape<Channels, int16_t>(task.column, task.size.width, task.inPlace());
     if (taps[task.row.length / 2] > 32767) {

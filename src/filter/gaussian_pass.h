@@ -54,8 +54,8 @@ OKPCV_INLINE void withGaussianLength(int64_t length, const Run& run) {
 
 // ---- 8-bit images ---------------------------------------------------------------------------------------
 
-// An 8-bit kernel, folded: tap 0 sees the centre, tap i the sum of the two elements that are i away from it. Two
-// such words at a time are multiplied and added in 32 bits.
+// An 8-bit kernel, folded: tap 0 sees the centre, tap i the sum of the two elements that are i away from it.
+// Two such words at a time are multiplied and added in 32 bits.
 class ByteTaps {
   public:
     // Elements of the table for a kernel of a length.
@@ -95,8 +95,8 @@ class ByteTaps {
     int64_t half_;
 };
 
-// The taps for the time of one pass: those of a kernel whose length the code knows stay in registers, those of
-// any other (Length 0) are read from their table.
+// The taps for the time of one pass: those of a kernel whose length the code knows stay in registers, those
+// of any other (Length 0) are read from their table.
 template <int Length>
 class PassTaps {
   public:
@@ -437,8 +437,7 @@ class WordTaps {
     // `table` must be aligned for vectors.
     WordTaps(const int16_t* kernel, int64_t length, int bits, int16_t* table)
         : table_(table), length_(length), bits_(bits) {
-        int64_t sum = 0;
-        for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+        const int64_t sum = kernelSum(kernel, length);
         start_ = static_cast<int32_t>((int64_t{1} << (bits - 1)) - kBias<T> * sum);
         const int64_t pairs = length / 2;
         for (int64_t i = 0; i < pairs; ++i) store(table + i * kLanes, coefficientPair(kernel, 2 * i));

@@ -137,14 +137,6 @@ struct WorkBuffer {
     }
 };
 
-// The sum of a kernel's coefficients: of integers exact, of floats in kernel order.
-template <class K>
-auto kernelSum(const K* kernel, int64_t length) {
-    std::conditional_t<kIsInt<K>, int64_t, float> sum = 0;
-    for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
-    return sum;
-}
-
 // What the row pass makes of border values: value * (sum of the kernel), times the reciprocal of the divisor
 // for integer kernels.
 template <class S, class K>

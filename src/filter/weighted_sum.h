@@ -26,6 +26,14 @@ OKPCV_INLINE K coefficient(const K* kernel, int64_t i) {
     return value;
 }
 
+// The sum of a kernel's coefficients: of integers exact, of floats in kernel order.
+template <class K>
+auto kernelSum(const K* kernel, int64_t length) {
+    std::conditional_t<kIsInt<K>, int64_t, float> sum = 0;
+    for (int64_t i = 0; i < length; ++i) sum += coefficient(kernel, i);
+    return sum;
+}
+
 // The sum of a kernel's coefficients without their signs.
 template <class K>
 auto magnitude(const K* kernel, int64_t length) {

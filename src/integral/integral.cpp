@@ -3,8 +3,9 @@
 // "Summed-Area Tables for Texture Mapping", SIGGRAPH 1984.
 //
 // Bound by arithmetic and stores: per four 8-bit pixels the sums take 5 vector operations and a store in
-// integers, 6 in floats; sums and squares together 11 and two, or with squares in doubles 15 and three. Two rows
-// are made side by side: they share the row above and the turns of the loop. Beyond the caches memory bounds.
+// integers, 6 in floats; sums and squares together 11 and two, or with squares in doubles 15 and three. Two
+// rows are made side by side: they share the row above and the turns of the loop. Beyond the caches memory
+// bounds.
 #include <algorithm>
 
 #include "core/checks.h"
@@ -18,8 +19,8 @@
 namespace okpcv {
 namespace {
 
-// Running sums of 8-bit pixels are kept in a vector: of four neighbouring columns, each through its own pixel.
-// From these to the next four each grows by a sum over four pixels, its own and the three before it.
+// Running sums of 8-bit pixels are kept in a vector: of four neighbouring columns, each through its own
+// pixel. From these to the next four each grows by a sum over four pixels, its own and the three before it.
 constexpr int kFour = Vec<int32_t>::lanes;
 constexpr int kBefore = kFour - 1;
 
@@ -70,7 +71,8 @@ class RowsOf {
     // The column from which on stores of fours are aligned: at least kBefore, below 2 * kFour.
     int firstAligned() const { return kBefore + elementsToAligned(out_[0] + kBefore); }
 
-    // The columns before x, which is at least kBefore and below 2 * kFour. `pixels` are the row's first 2 * kFour.
+    // The columns before x, which is at least kBefore and below 2 * kFour. `pixels` are the row's first 2 *
+    // kFour.
     OKPCV_INLINE void putBefore(int x, const Vec<uint8_t> (&pixels)[kRows]) {
         Vec<uint8_t> first[kRows];
         unrolled<kRows>([&](auto i) OKPCV_INLINE_LAMBDA { first[i] = shiftLanesUp<kBefore>(pixels[i]); });

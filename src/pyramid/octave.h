@@ -50,8 +50,8 @@ template <class T>
 OctaveLines<T> layOutOctave(Area& area, int channels, int64_t width, int phases) {
     using Lines = OctaveLines<T>;
     Lines lines{};
-    // An odd number of cache lines, so that what stands at one column shares no place in the nearest cache; and
-    // lines well apart, without which long rows out of the caches were measured to take a fifth longer.
+    // An odd number of cache lines, so that what stands at one column shares no place in the nearest cache;
+    // and lines well apart, without which long rows out of the caches were measured to take a fifth longer.
     constexpr int64_t cacheLine = kCacheLineBytes / sizeof(T), apart = 16 * cacheLine;
     lines.odd = (width / 2 + 1 + Lines::slack) / (2 * cacheLine) * (2 * cacheLine) + cacheLine + apart;
     int64_t count = 0;
@@ -320,7 +320,8 @@ void octaveRowsDown(const Image<const S, Channels>& src, Size srcSize, const Ima
 // Their rows come first, since a multiply-add takes two pixels to the sum of a pixel of the smaller level:
 // about 11 instructions for eight source pixels, and half as many to add the sums of five rows.
 
-// What signed multiply-adds leave out of a pixel, and out of a row's sum, in which one pixel is added as it is.
+// What signed multiply-adds leave out of a pixel, and out of a row's sum, in which one pixel is added as it
+// is.
 inline constexpr int32_t kSignedBias = 32768;
 inline constexpr int32_t kRowSumBias = (1 + 4 + 6 + 4) * kSignedBias;
 

@@ -201,8 +201,8 @@ struct DeviationReduction {
 };
 
 // The same over integers, from their exact sums: sum x^2 - 2 shift sum x + count shift^2. The shift is a mean
-// that is large against the deviation, so it is above 0.95: of integers x^2 >= x, and the variance is at least
-// mean - mean^2. Above 0.5 a float is a multiple of 2^-24, so that 2^48 times the result is an integer.
+// that is large against the deviation, so it is above 0.95: of integers x^2 >= x, and the variance is at
+// least mean - mean^2. Above 0.5 a float is a multiple of 2^-24, so that 2^48 times the result is an integer.
 double deviationsAbout(float shift, uint64_t sum, uint128_t squares, int64_t count) {
     const auto scaled = static_cast<int64_t>(shift * 0x1p24F);
     const int128_t deviations = static_cast<int128_t>(squares << 48) -

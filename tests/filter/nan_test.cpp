@@ -23,8 +23,8 @@ float nanOrNumber(Random& random) {
 
 constexpr int kWidth = 75, kHeight = 19, kReach = 31;
 
-// `filter(src, srcStep, dst, dstStep, size)` filters a region whose neighbours are in memory. All of an image at
-// once gives what regions of it give one by one.
+// `filter(src, srcStep, dst, dstStep, size)` filters a region whose neighbours are in memory. All of an image
+// at once gives what regions of it give one by one.
 template <class Filter>
 void expectTheSameInEveryRegion(Random& random, int srcChannels, int channels, const Filter& filter) {
     GuardedImage<float> src(

@@ -193,8 +193,8 @@ TEST(DilateErode, EveryMaskOfOneRow) {
     }
 }
 
-// A mask so long that a spec holds it in two pieces. From every pixel it reaches the whole row, from the first
-// ones only with its second piece.
+// A mask so long that a spec holds it in two pieces. From every pixel it reaches the whole row, from the
+// first ones only with its second piece.
 TEST(DilateErode, MaskOfTwoPieces) {
     Random random(10);
     const Mask mask(70000, 1, [](int, int) { return 1; });
